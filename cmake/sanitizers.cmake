@@ -1,0 +1,6 @@
+# The check of virtual calls needs run-time type information, which the library has none of.
+if(BCI_SANITIZE)
+  add_compile_options(-O1 -fno-omit-frame-pointer
+    -fsanitize=address,undefined -fno-sanitize=vptr -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=address,undefined -fno-sanitize=vptr)
+endif()

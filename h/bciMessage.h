@@ -1,0 +1,181 @@
+/// @file
+/// The base of all board control messages: registry, factory and codec entry points.
+#ifndef BCI_MESSAGE_H
+#define BCI_MESSAGE_H
+
+#include "bciApi.h"
+#include "message.h"
+#include "scalarTypes.h"
+#include "stream.h"
+#include "vornNodeCommon.h"
+
+#include <map>
+#include <string>
+
+class BciMessageBase;
+
+/// Creates a message of one class for a signal number; null if it could not be allocated. The caller
+/// owns the message.
+typedef BciMessageBase* (*BciMsgFactory)(SIGSELECT sigNo);
+
+/// A message that wraps one wire structure and renders it into a buffer, or reads it back, in three
+/// forms: text, binary and XML.
+///
+/// Results: every operation is lenient. A buffer that is too short, or a malformed number, is not an
+/// error: the result is true, and what happened shows in the returned length alone. False means that an
+/// XML element is missing or that a message's own check rejected a value; one line in the system log
+/// then says so. A failed read leaves what was read so far in the wire structure.
+///
+/// Thread safety: registration finishes before other threads use the registry; from then on it is only
+/// read, and operations on distinct messages and buffers run in parallel.
+class BCI_API BciMessageBase : public MessageBase
+{
+public:
+    /// Takes note of the wire structure. Its content is left alone, and the signal number is not stored
+    /// into it.
+    /// @param msg    the wire structure, which the derived class owns
+    /// @param size   its size in bytes
+    /// @param sigNo  the signal number; not used
+    BciMessageBase(char* msg, unsigned short size, unsigned long sigNo);
+    /// Frees nothing.
+    ~BciMessageBase() override;
+
+    char* getMsg() const override;
+    void setMsg(const char* src) override;
+    /// @return 35, which is what the header takes; derived classes add their fields
+    unsigned int getMaxTextBufferSize() override;
+
+    /// Writes the text form: every field as a decimal number or its characters, each followed by ':'.
+    /// @param stream  with the caller's buffer attached
+    /// @return false if the message's own check rejected a value
+    virtual bool serializeBciMsgToText(commonStream::ostream_text& stream) const = 0;
+    /// Writes the binary form: the fields at their widths, one after another.
+    /// @param stream  with the caller's buffer attached
+    /// @return false if the message's own check rejected a value
+    virtual bool serializeBciMsgToBinary(commonStream::ostream_binary& stream) const = 0;
+    /// Writes the XML form: one element per field, without an enclosing one.
+    /// @param stream  with the caller's buffer attached
+    /// @return false if the message's own check rejected a value
+    virtual bool serializeBciMsgToXml(commonStream::ostream_text& stream) const = 0;
+    /// Reads the text form into the wire structure.
+    /// @param stream  with the rendering attached
+    /// @return false if the message's own check rejected a value
+    virtual bool deserializeBciMsgFromText(commonStream::istream_text& stream) = 0;
+    /// Reads the binary form into the wire structure.
+    /// @param stream  with the rendering attached
+    /// @return false if the message's own check rejected a value
+    virtual bool deserializeBciMsgFromBinary(commonStream::istream_binary& stream) = 0;
+    /// Reads the XML form into the wire structure; stops at the first missing element.
+    /// @param stream  with the rendering attached; its buffer is read from the start up to the
+    ///                terminating zero, and its read position neither used nor moved
+    /// @return false if an element is missing or the message's own check rejected a value
+    virtual bool deserializeBciMsgFromXml(commonStream::istream_text& stream) = 0;
+
+    /// @return the delimiter that follows every field of the text form
+    char getDelim() const;
+
+    /// Puts a signal number into the registry. A number that is there already keeps its first factory.
+    /// @param sigNo    the signal number
+    /// @param factory  creates the messages of this number
+    /// @return always true
+    static bool registerBciMsgClass(SIGSELECT sigNo, BciMsgFactory factory);
+    /// @param sigNo  a signal number
+    /// @return whether the registry holds it
+    static bool isMsgClassRegistered(SIGSELECT sigNo);
+
+    /// Creates an empty message for a signal number.
+    /// @param sigNo  a registered signal number
+    /// @param msg    receives the message, which the caller deletes; null if it could not be allocated;
+    ///               untouched if the number is not registered or its factory is null
+    /// @return whether a message was created
+    static bool instantiateBciMsg(SIGSELECT sigNo, BciMessageBase*& msg);
+
+    /// Creates a message from its text form.
+    /// @param buffer  the rendering; null counts as empty
+    /// @param length  in: size of the rendering in bytes; out: bytes consumed. Unchanged if no message
+    ///                was created
+    /// @param msg     receives the message, which the caller deletes, also after a false result if it is
+    ///                not null; untouched if the signal number is not registered
+    /// @return whether a message was created and read
+    static bool instantiateBciMsgFromText(char* buffer, unsigned int& length, BciMessageBase*& msg);
+    /// Creates a message from its binary form. Unlike with the other forms, a message that could not be
+    /// read is deleted, and `msg` becomes null.
+    /// @param buffer  the rendering; null counts as empty
+    /// @param length  in: size of the rendering in bytes; out: bytes consumed. Unchanged if no message
+    ///                was created
+    /// @param msg     receives the message, which the caller deletes; untouched if the signal number is
+    ///                not registered
+    /// @return whether a message was created and read
+    static bool instantiateBciMsgFromBinary(char* buffer, unsigned int& length, BciMessageBase*& msg);
+    /// Creates a message from its XML form.
+    /// @param buffer  the rendering, zero-terminated; null holds no element
+    /// @param length  out: 0. Unchanged if no message was created; the terminating zero alone ends the
+    ///                rendering
+    /// @param msg     receives the message, which the caller deletes, also after a false result if it is
+    ///                not null; untouched if the signal number is missing or not registered
+    /// @return whether a message was created and read
+    static bool instantiateBciMsgFromXml(char* buffer, unsigned int& length, BciMessageBase*& msg);
+
+    /// Writes the text form into a buffer. All of the buffer is cleared first, so what is not written is
+    /// zero; no terminator is counted.
+    /// @param buffer  room for `length` bytes; null counts as empty
+    /// @param length  in: size of the buffer in bytes; out: characters written
+    /// @return false if the message's own check rejected a value; true also if the buffer was too short
+    bool serializeToText(char* buffer, unsigned int& length) const;
+    /// Writes the binary form into a buffer; otherwise as serializeToText().
+    bool serializeToBinary(char* buffer, unsigned int& length) const;
+    /// Writes the XML form into a buffer; otherwise as serializeToText(). To be read back it needs at
+    /// least one byte more than it fills.
+    bool serializeToXml(char* buffer, unsigned int& length) const;
+
+    /// Reads the text form into this message.
+    /// @param buffer  the rendering; null counts as empty
+    /// @param length  in: size of the rendering in bytes; out: bytes consumed
+    /// @return false if the message's own check rejected a value
+    bool deserializeFromText(char* buffer, unsigned int& length);
+    /// Reads the binary form into this message.
+    /// @param buffer  the rendering; null counts as empty
+    /// @param length  in: size of the rendering in bytes; out: bytes consumed
+    /// @return false if the message's own check rejected a value
+    bool deserializeFromBinary(char* buffer, unsigned int& length);
+    /// Reads the XML form into this message.
+    /// @param buffer  the rendering, zero-terminated; null holds no element
+    /// @param length  out: 0; the terminating zero alone ends the rendering
+    /// @return false if an element is missing or the message's own check rejected a value
+    bool deserializeFromXml(char* buffer, unsigned int& length);
+
+    /// Registered signal numbers and the factories of their classes. Filled through
+    /// registerBciMsgClass(); there from before any static object of the program is made.
+    static std::map<SIGSELECT, BciMsgFactory> s_bciRegistrationMap;
+
+protected:
+    /// @name Characters that one number takes at most in the text form, by type
+    /// @{
+    static const unsigned int MAX_BUFFER_LEN_FOR_LONGLONG = 21;
+    static const unsigned int MAX_BUFFER_LEN_FOR_ULONGLONG = 21;
+    static const unsigned int MAX_BUFFER_LEN_FOR_LONG = 11;
+    static const unsigned int MAX_BUFFER_LEN_FOR_ULONG = 10;
+    static const unsigned int MAX_BUFFER_LEN_FOR_SHORT = 6;
+    static const unsigned int MAX_BUFFER_LEN_FOR_USHORT = 5;
+    static const unsigned int MAX_BUFFER_LEN_FOR_UCHAR = 3;
+    static const unsigned int MAX_BUFFER_LEN_FOR_CHAR = 4;
+    /// @}
+
+    char* m_bciMessagePtr;           ///< the wire structure
+    unsigned short m_bciMessageSize; ///< its size in bytes
+};
+
+/// Makes the indexed element name of an array field out of its base name: inserts one text and then a
+/// second, each at a distance from the end of the text as it stands at that moment. With "snid__", 1, 0,
+/// "1" and "3" the result is "snid_1_3".
+/// @param text            the base name, changed in place
+/// @param firstFromEnd    characters between the first insertion and the end
+/// @param secondFromEnd   characters between the second insertion and the end
+/// @param first           zero-terminated text to insert first
+/// @param second          zero-terminated text to insert second
+///
+/// A distance longer than the text counts as its whole length.
+BCI_API void insertArraySubscripts(std::string& text, unsigned short firstFromEnd, unsigned short secondFromEnd,
+                                   const char* first, const char* second);
+
+#endif

@@ -1,0 +1,47 @@
+// The engine: one message's rows in, one rendering out, and back.
+//
+// Each function takes rows, the address of the structure (or array element) that their offsets count
+// from, and a stream. Messages call them with their whole table or with parts of it. Results are those
+// of the codec operations: the negation of the stream's fail(), and for readXml() whether every element
+// was found.
+#ifndef BCI_CODEC_CODEC_H
+#define BCI_CODEC_CODEC_H
+
+#include "field.h"
+#include "stream.h"
+
+namespace bci::codec
+{
+
+// Indexes of an array element in XML names. A tag that ends in one underscore receives the first index
+// behind it; one that ends in two receives the first between them and the second at its end.
+struct Subscripts
+{
+    unsigned int first;
+    unsigned int second;
+};
+
+// Every field as a decimal number or its characters up to the first zero, each followed by ':'.
+bool writeText(const Fields& fields, const void* structure, commonStream::ostream_text& stream);
+
+// The same read back; whatever character stands behind a field is taken for its delimiter.
+bool readText(const Fields& fields, void* structure, commonStream::istream_text& stream);
+
+// Every field at its width, texts whole.
+bool writeBinary(const Fields& fields, const void* structure, commonStream::ostream_binary& stream);
+
+// The same read back.
+bool readBinary(const Fields& fields, void* structure, commonStream::istream_binary& stream);
+
+// Every field as one element.
+bool writeXml(const Fields& fields, const void* structure, commonStream::ostream_text& stream,
+              const Subscripts* subscripts = nullptr);
+
+// Looks every field up in the whole of the stream's buffer, which ends at its terminating zero. Logs the
+// first element that is missing, and stops there. The stream itself is not read.
+bool readXml(const Fields& fields, void* structure, commonStream::istream_text& stream,
+             const Subscripts* subscripts = nullptr);
+
+} // namespace bci::codec
+
+#endif

@@ -1,0 +1,161 @@
+// Rows: the constant description of a message's fields, which everything else reads.
+#ifndef BCI_CODEC_FIELD_H
+#define BCI_CODEC_FIELD_H
+
+#include "scalarTypes.h"
+
+#include <concepts>
+#include <cstddef>
+#include <span>
+#include <type_traits>
+
+namespace bci::codec
+{
+
+// The stream overload by which a field travels. It follows from the field's type in the wire structure.
+enum class Kind : U8
+{
+    u8,
+    u16,
+    s16,
+    u32,
+    s32,
+    // A character array: in text and XML its characters up to the first zero, in binary all of it.
+    text
+};
+
+// Where a field leaves the common way. Each is a fact of the format.
+enum class Oddity : U8
+{
+    none,
+    // The log line of the missing element says "tag tag".
+    doubledWord,
+    // The XML element starts without its tab, and three blanks stand before its value.
+    bareOpening,
+    // The XML reader passes the field over.
+    notReadFromXml
+};
+
+// One field of a wire structure.
+struct Field
+{
+    U16 offset; // in the wire structure, in bytes
+    U16 size;   // in the wire structure and in the binary form, in bytes
+    Kind kind;
+    Oddity oddity;
+    U16 line;               // line number in the log line of the missing element
+    const char* tag;        // name of the XML element
+    const char* closingTag; // name in its closing tag: the same but for one field of the format
+};
+
+// A message's fields in wire order, and the source file that their log lines name. Spans of them too.
+struct Fields
+{
+    const char* source;
+    std::span<const Field> rows;
+
+    constexpr Fields part(std::size_t first, std::size_t count) const
+    {
+        return {source, rows.subspan(first, count)};
+    }
+};
+
+template <typename T>
+consteval Kind kindOf()
+{
+    if constexpr (std::same_as<std::remove_extent_t<T>, U8> && std::is_array_v<T>)
+    {
+        return Kind::text;
+    }
+    else if constexpr (std::same_as<T, U8>)
+    {
+        return Kind::u8;
+    }
+    else if constexpr (std::same_as<T, U16>)
+    {
+        return Kind::u16;
+    }
+    else if constexpr (std::same_as<T, S16>)
+    {
+        return Kind::s16;
+    }
+    else if constexpr (std::same_as<T, U32>)
+    {
+        return Kind::u32;
+    }
+    else
+    {
+        static_assert(std::same_as<T, S32>, "no stream overload carries this type");
+        return Kind::s32;
+    }
+}
+
+// Longest tag that a row may hold.
+constexpr std::size_t kMaxTagLength = 32;
+
+template <typename T, std::size_t N>
+consteval Field makeField(std::size_t offset, const char (&tag)[N], unsigned int line,
+                          Oddity oddity = Oddity::none)
+{
+    static_assert(N - 1 <= kMaxTagLength);
+    return {static_cast<U16>(offset), sizeof(T), kindOf<T>(), oddity, static_cast<U16>(line), tag, tag};
+}
+
+// Another element's name in the closing tag.
+consteval Field closedBy(Field field, const char* closingTag)
+{
+    field.closingTag = closingTag;
+    return field;
+}
+
+// BCI_FIELD(structure, member, tag, line [, oddity])
+#define BCI_FIELD(structure, member, ...)                                                                         \
+    ::bci::codec::makeField<decltype(structure::member)>(offsetof(structure, member), __VA_ARGS__)
+
+// Bytes that fields take in the binary form.
+constexpr unsigned int binarySize(std::span<const Field> rows)
+{
+    unsigned int size = 0;
+    for (const Field& field : rows)
+    {
+        size += field.size;
+    }
+    return size;
+}
+
+// Characters that one number of a kind takes in text at most.
+constexpr unsigned int textWidth(Kind kind)
+{
+    switch (kind)
+    {
+    case Kind::u8:
+        return 3;
+    case Kind::u16:
+        return 5;
+    case Kind::s16:
+        return 6;
+    case Kind::u32:
+        return 10;
+    case Kind::s32:
+        return 11;
+    case Kind::text:
+        break;
+    }
+    return 0;
+}
+
+// The bound that getMaxTextBufferSize() is made of: a number counts with its delimiter, a text as four
+// characters for each of its bytes.
+constexpr unsigned int maxTextSize(std::span<const Field> rows)
+{
+    unsigned int size = 0;
+    for (const Field& field : rows)
+    {
+        size += field.kind == Kind::text ? 4U * field.size : textWidth(field.kind) + 1;
+    }
+    return size;
+}
+
+} // namespace bci::codec
+
+#endif

@@ -1,0 +1,137 @@
+#include "tagLookup.h"
+
+#include "stream.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+namespace bci::codec
+{
+
+namespace
+{
+
+// What the writers put around every value.
+constexpr std::string_view kLayoutBefore = "\n\t  ";
+constexpr std::string_view kLayoutBehind = "\n\t";
+
+bool isSpace(char ch)
+{
+    return ch == ' ' || (ch >= '\t' && ch <= '\r');
+}
+
+// Returns where the tag begins, or null; `end` receives the place behind it.
+const char* findBracketed(const char* from, const char* opening, const char* tag, const char*& end)
+{
+    const std::size_t openingLength = std::strlen(opening);
+    const std::size_t tagLength = std::strlen(tag);
+    while ((from = std::strstr(from, opening)) != nullptr)
+    {
+        const char* const name = from + openingLength;
+        if (std::strncmp(name, tag, tagLength) == 0 && name[tagLength] == '>')
+        {
+            end = name + tagLength + 1;
+            return from;
+        }
+        ++from;
+    }
+    return nullptr;
+}
+
+TagContent withoutLayout(const char* begin, const char* end)
+{
+    const std::string_view content(begin, static_cast<std::size_t>(end - begin));
+    if (content.starts_with(kLayoutBefore) && content.ends_with(kLayoutBehind))
+    {
+        return {begin + kLayoutBefore.size(), end - kLayoutBehind.size()};
+    }
+    while (begin != end && isSpace(*begin))
+    {
+        ++begin;
+    }
+    while (begin != end && isSpace(end[-1]))
+    {
+        --end;
+    }
+    return {begin, end};
+}
+
+} // namespace
+
+const char* findTag(const char* document, const char* tag, TagContent& content)
+{
+    if (document == nullptr || *tag == '\0')
+    {
+        return nullptr;
+    }
+    const char* begin = nullptr;
+    const char* behind = nullptr;
+    if (findBracketed(document, "<", tag, begin) == nullptr)
+    {
+        return nullptr;
+    }
+    const char* const end = findBracketed(begin, "</", tag, behind);
+    if (end == nullptr)
+    {
+        return nullptr;
+    }
+    content = withoutLayout(begin, end);
+    return behind;
+}
+
+S32 toNumber(const TagContent& content)
+{
+    const char* at = content.begin;
+    while (at != content.end && isSpace(*at))
+    {
+        ++at;
+    }
+    const bool negative = at != content.end && *at == '-';
+    if (negative || (at != content.end && *at == '+'))
+    {
+        ++at;
+    }
+    // One more than the largest value on each side, so that a limit reached stays told from one passed.
+    constexpr std::int64_t kLimit = std::int64_t{std::numeric_limits<S32>::max()} + 1;
+    std::int64_t magnitude = 0;
+    for (; at != content.end && *at >= '0' && *at <= '9'; ++at)
+    {
+        magnitude = std::min(magnitude * 10 + (*at - '0'), kLimit);
+    }
+    return static_cast<S32>(negative ? -magnitude : std::min(magnitude, kLimit - 1));
+}
+
+void copyContent(const TagContent& content, char* to, std::size_t size)
+{
+    if (size != 0)
+    {
+        const std::size_t copied = std::min(content.size(), size - 1);
+        std::memcpy(to, content.begin, copied);
+        to[copied] = '\0';
+    }
+}
+
+} // namespace bci::codec
+
+bool getTagContents(const char* document, const char* tag, char* content, int& offset)
+{
+    constexpr unsigned int kContentSize = 424;
+    return getTagContents(document, tag, content, kContentSize, offset);
+}
+
+bool getTagContents(const char* document, const char* tag, char* content, unsigned int contentSize, int& offset)
+{
+    bci::codec::TagContent found;
+    const char* const behind = bci::codec::findTag(document, tag, found);
+    if (behind == nullptr)
+    {
+        offset = document != nullptr ? static_cast<int>(std::strlen(document)) : 0;
+        return false;
+    }
+    bci::codec::copyContent(found, content, content != nullptr ? contentSize : 0);
+    offset = static_cast<int>(behind - document);
+    return true;
+}

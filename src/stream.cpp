@@ -1,0 +1,1022 @@
+#include "stream.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace commonStream
+{
+
+namespace
+{
+
+constexpr unsigned int kEof = 1;
+constexpr unsigned int kFail = 2;
+constexpr unsigned int kBad = 4;
+
+// One rendered number: up to 20 digits, a sign and the terminating zero.
+const unsigned int NUM_TEXT_BUFFER_SIZE = 22;
+// One scanned number: up to 31 characters and the terminating zero.
+constexpr unsigned int kNumberTokenSize = 32;
+
+template <typename T>
+void storeBigEndian(char* to, T value)
+{
+    for (unsigned int shift = 8 * sizeof(T); shift != 0; ++to)
+    {
+        shift -= 8;
+        *to = static_cast<char>(value >> shift);
+    }
+}
+
+template <typename T>
+T loadBigEndian(const char* from)
+{
+    std::uint64_t value = 0;
+    for (const char* const end = from + sizeof(T); from != end; ++from)
+    {
+        value = value << 8 | static_cast<unsigned char>(*from);
+    }
+    return static_cast<T>(value);
+}
+
+// Writes the digits backwards, as they fall out, then turns them round into the caller's buffer.
+template <typename T>
+void toAscii(char* output, T magnitude, bool negative)
+{
+    char digits[NUM_TEXT_BUFFER_SIZE];
+    char* digit = digits;
+    do
+    {
+        *digit++ = static_cast<char>('0' + magnitude % 10);
+        magnitude /= 10;
+    } while (magnitude != 0);
+    if (negative)
+    {
+        *output++ = '-';
+    }
+    while (digit != digits)
+    {
+        *output++ = *--digit;
+    }
+    *output = '\0';
+}
+
+bool isDigit(char ch)
+{
+    return ch >= '0' && ch <= '9';
+}
+
+bool isHexLetter(char ch)
+{
+    return (ch >= 'A' && ch <= 'F') || (ch >= 'a' && ch <= 'f');
+}
+
+// Sums up the digits from the last one towards the first, modulo the width of T, until something else
+// than a digit comes.
+template <typename T>
+bool fromAscii(const char* text, T& value, bool& negative)
+{
+    negative = false;
+    value = 0;
+    T multiplier = 1;
+    for (const char* at = text + std::strlen(text); at != text;)
+    {
+        --at;
+        if (!isDigit(*at))
+        {
+            negative = *at == '-';
+            return negative;
+        }
+        value += static_cast<T>(*at - '0') * multiplier;
+        multiplier *= 10;
+    }
+    return true;
+}
+
+} // namespace
+
+streambase::streambase() : m_bufferPtr(nullptr), m_bufferLength(0), m_length(0), m_statusFlags(kEof | kFail) {}
+
+streambase::~streambase()
+{
+    // Volatile, or the compiler drops stores into an object that is about to end.
+    *const_cast<char* volatile*>(&m_bufferPtr) = nullptr;
+    *const_cast<volatile unsigned int*>(&m_bufferLength) = 0;
+    *const_cast<volatile unsigned int*>(&m_length) = 0;
+    *const_cast<volatile unsigned int*>(&m_statusFlags) = 0;
+}
+
+void streambase::attachBuffer(char* bufferPtr, unsigned int bufferLength)
+{
+    m_bufferPtr = bufferPtr;
+    m_bufferLength = bufferPtr != nullptr ? bufferLength : 0;
+    if (m_bufferLength != 0)
+    {
+        setgood();
+    }
+    else
+    {
+        seteof();
+        setfail();
+    }
+}
+
+void streambase::reset()
+{
+    m_length = 0;
+    if (m_bufferLength != 0)
+    {
+        setgood();
+    }
+}
+
+char* streambase::getBuffer() const
+{
+    return m_bufferPtr;
+}
+
+unsigned int streambase::getBufferLength() const
+{
+    return m_bufferLength;
+}
+
+unsigned int streambase::getLength() const
+{
+    return m_length;
+}
+
+unsigned int streambase::length() const
+{
+    return m_length;
+}
+
+unsigned int streambase::status() const
+{
+    return m_statusFlags;
+}
+
+void streambase::status(unsigned int theStatus)
+{
+    m_statusFlags = theStatus;
+}
+
+void streambase::seek(unsigned int& position, seekdir dir, int offset)
+{
+    // The arithmetic is that of the 32-bit target on every host: it wraps around, and a target or a
+    // length with the top bit set is negative.
+    const std::int32_t end = static_cast<std::int32_t>(m_length);
+    std::int32_t target = -1;
+    switch (dir)
+    {
+    case BEG:
+        target = offset;
+        break;
+    case CUR:
+        target = static_cast<std::int32_t>(position + static_cast<unsigned int>(offset));
+        break;
+    case END:
+        target = static_cast<std::int32_t>(m_length + static_cast<unsigned int>(offset));
+        break;
+    }
+    if (target >= 0 && target <= end)
+    {
+        position = static_cast<unsigned int>(target);
+    }
+    else
+    {
+        setfail();
+    }
+    updateEof(position);
+}
+
+void streambase::seek(unsigned int& position, unsigned int target)
+{
+    if (target <= m_length)
+    {
+        position = target;
+    }
+    else
+    {
+        setfail();
+    }
+    updateEof(position);
+}
+
+void streambase::updateEof(unsigned int position)
+{
+    m_statusFlags = position == m_length ? m_statusFlags | kEof : m_statusFlags & ~kEof;
+}
+
+void streambase::setgood()
+{
+    m_statusFlags = 0;
+}
+
+void streambase::setfail()
+{
+    m_statusFlags |= kFail;
+}
+
+void streambase::seteof()
+{
+    m_statusFlags |= kEof;
+}
+
+void streambase::setbad()
+{
+    m_statusFlags |= kBad;
+}
+
+bool streambase::good() const
+{
+    return m_statusFlags == 0;
+}
+
+bool streambase::fail() const
+{
+    return false;
+}
+
+bool streambase::eof() const
+{
+    return (m_statusFlags & kEof) != 0;
+}
+
+bool streambase::bad() const
+{
+    return (m_statusFlags & kBad) != 0;
+}
+
+istreambase::istreambase() : m_currentReadPosition(0) {}
+
+istreambase::~istreambase() = default;
+
+void istreambase::attachBuffer(char* bufferPtr, unsigned int bufferLength)
+{
+    streambase::attachBuffer(bufferPtr, bufferLength);
+    m_length = m_bufferLength;
+    m_currentReadPosition = 0;
+}
+
+void istreambase::detachBuffer()
+{
+    attachBuffer(nullptr, 0);
+}
+
+void istreambase::reset()
+{
+    streambase::reset();
+    m_currentReadPosition = 0;
+}
+
+unsigned int istreambase::tellg() const
+{
+    return m_currentReadPosition;
+}
+
+istreambase& istreambase::seekg(seekdir dir, int offset)
+{
+    seek(m_currentReadPosition, dir, offset);
+    return *this;
+}
+
+istreambase& istreambase::seekg(unsigned int pos)
+{
+    seek(m_currentReadPosition, pos);
+    return *this;
+}
+
+// Attaching or resetting through the base class can leave the position behind the data, or the data
+// longer than the buffer.
+unsigned int istreambase::left() const
+{
+    const unsigned int end = std::min(m_length, m_bufferLength);
+    return m_currentReadPosition < end ? end - m_currentReadPosition : 0;
+}
+
+const char* istreambase::next() const
+{
+    return m_bufferPtr + m_currentReadPosition;
+}
+
+void istreambase::advance(unsigned int count)
+{
+    m_currentReadPosition += count;
+    if (m_currentReadPosition == m_length)
+    {
+        seteof();
+    }
+}
+
+bool istreambase::cutToLeft(unsigned int& count) const
+{
+    const unsigned int wanted = count;
+    count = std::min(wanted, left());
+    return count != wanted;
+}
+
+unsigned int istreambase::copyUpTo(char delim, char* valuePtr, unsigned int count) const
+{
+    if (count == 0)
+    {
+        return 0;
+    }
+    const void* const found = std::memchr(next(), delim, count);
+    const unsigned int copied =
+        found != nullptr ? static_cast<unsigned int>(static_cast<const char*>(found) - next()) : count;
+    std::memcpy(valuePtr, next(), copied);
+    return copied;
+}
+
+ostreambase::ostreambase() : m_currentWritePosition(0) {}
+
+ostreambase::~ostreambase() = default;
+
+void ostreambase::attachBuffer(char* bufferPtr, unsigned int bufferLength)
+{
+    streambase::attachBuffer(bufferPtr, bufferLength);
+    m_length = 0;
+    m_currentWritePosition = 0;
+}
+
+void ostreambase::detachBuffer()
+{
+    attachBuffer(nullptr, 0);
+}
+
+void ostreambase::reset()
+{
+    streambase::reset();
+    m_currentWritePosition = 0;
+}
+
+unsigned int ostreambase::tellp() const
+{
+    return m_currentWritePosition;
+}
+
+ostreambase& ostreambase::seekp(seekdir dir, int offset)
+{
+    seek(m_currentWritePosition, dir, offset);
+    return *this;
+}
+
+ostreambase& ostreambase::seekp(unsigned int pos)
+{
+    seek(m_currentWritePosition, pos);
+    return *this;
+}
+
+// Attaching through the base class can leave the position behind the buffer.
+unsigned int ostreambase::room() const
+{
+    return m_currentWritePosition < m_bufferLength ? m_bufferLength - m_currentWritePosition : 0;
+}
+
+char* ostreambase::next() const
+{
+    return m_bufferPtr + m_currentWritePosition;
+}
+
+void ostreambase::advance(unsigned int count)
+{
+    m_currentWritePosition += count;
+    m_length = std::max(m_length, m_currentWritePosition);
+    if (m_currentWritePosition == m_bufferLength)
+    {
+        seteof();
+    }
+}
+
+void ostreambase::cutToRoom(unsigned int& count)
+{
+    if (count > room())
+    {
+        count = room();
+        setfail();
+    }
+}
+
+ostream_binary::ostream_binary() = default;
+
+ostream_binary::~ostream_binary() = default;
+
+template <typename T>
+ostream_binary& ostream_binary::write(T value)
+{
+    if (room() < sizeof(T))
+    {
+        setfail();
+        return *this;
+    }
+    storeBigEndian(next(), value);
+    advance(sizeof(T));
+    return *this;
+}
+
+// The signal number, alone at position 0, keeps the host's byte order.
+ostream_binary& ostream_binary::writeFirstWord(std::uint32_t value)
+{
+    if (m_currentWritePosition == 0 && room() >= sizeof value)
+    {
+        std::memcpy(m_bufferPtr, &value, sizeof value);
+        advance(sizeof value);
+        return *this;
+    }
+    return write(value);
+}
+
+ostream_binary& ostream_binary::operator<<(bool value)
+{
+    return put(value ? '\1' : '\0');
+}
+
+ostream_binary& ostream_binary::operator<<(char value)
+{
+    return put(value);
+}
+
+ostream_binary& ostream_binary::operator<<(unsigned char value)
+{
+    return write(value);
+}
+
+ostream_binary& ostream_binary::operator<<(short value)
+{
+    return write(value);
+}
+
+ostream_binary& ostream_binary::operator<<(unsigned short value)
+{
+    return write(value);
+}
+
+ostream_binary& ostream_binary::operator<<(int value)
+{
+    return write(value);
+}
+
+ostream_binary& ostream_binary::operator<<(unsigned int value)
+{
+    return writeFirstWord(value);
+}
+
+ostream_binary& ostream_binary::operator<<(long value)
+{
+    return write(static_cast<std::int32_t>(value));
+}
+
+ostream_binary& ostream_binary::operator<<(unsigned long value)
+{
+    return writeFirstWord(static_cast<std::uint32_t>(value));
+}
+
+ostream_binary& ostream_binary::operator<<(unsigned long long value)
+{
+    return write(value);
+}
+
+ostream_binary& ostream_binary::put(char value)
+{
+    return write(value);
+}
+
+ostream_binary& ostream_binary::put(const char* valuePtr, unsigned int count)
+{
+    cutToRoom(count);
+    if (count != 0)
+    {
+        std::memcpy(next(), valuePtr, count);
+    }
+    advance(count);
+    return *this;
+}
+
+istream_binary::istream_binary() = default;
+
+istream_binary::~istream_binary() = default;
+
+// Whether a number of so many bytes can be read now.
+bool istream_binary::expect(unsigned int count)
+{
+    if (!good())
+    {
+        return false;
+    }
+    if (left() < count)
+    {
+        setfail();
+        advance(0);
+        return false;
+    }
+    return true;
+}
+
+template <typename Wire, typename T>
+istream_binary& istream_binary::read(T& value)
+{
+    if (expect(sizeof(Wire)))
+    {
+        value = loadBigEndian<Wire>(next());
+        advance(sizeof(Wire));
+    }
+    return *this;
+}
+
+// The signal number, alone at position 0, has the host's byte order.
+template <typename T>
+istream_binary& istream_binary::readFirstWord(T& value)
+{
+    std::uint32_t word;
+    if (m_currentReadPosition != 0)
+    {
+        return read<std::uint32_t>(value);
+    }
+    if (expect(sizeof word))
+    {
+        std::memcpy(&word, m_bufferPtr, sizeof word);
+        value = word;
+        advance(sizeof word);
+    }
+    return *this;
+}
+
+istream_binary& istream_binary::operator>>(bool& value)
+{
+    return read<unsigned char>(value);
+}
+
+istream_binary& istream_binary::operator>>(char& value)
+{
+    return get(value);
+}
+
+istream_binary& istream_binary::operator>>(unsigned char& value)
+{
+    return read<unsigned char>(value);
+}
+
+istream_binary& istream_binary::operator>>(short& value)
+{
+    return read<short>(value);
+}
+
+istream_binary& istream_binary::operator>>(unsigned short& value)
+{
+    return read<unsigned short>(value);
+}
+
+istream_binary& istream_binary::operator>>(int& value)
+{
+    return read<std::int32_t>(value);
+}
+
+istream_binary& istream_binary::operator>>(unsigned int& value)
+{
+    return readFirstWord(value);
+}
+
+istream_binary& istream_binary::operator>>(long& value)
+{
+    return read<std::int32_t>(value);
+}
+
+istream_binary& istream_binary::operator>>(unsigned long& value)
+{
+    return readFirstWord(value);
+}
+
+istream_binary& istream_binary::operator>>(unsigned long long& value)
+{
+    return read<unsigned long long>(value);
+}
+
+istream_binary& istream_binary::get(char& value)
+{
+    return read<char>(value);
+}
+
+istream_binary& istream_binary::get(char* valuePtr, unsigned int count)
+{
+    if (!good())
+    {
+        return *this;
+    }
+    if (cutToLeft(count))
+    {
+        setfail();
+    }
+    if (count != 0)
+    {
+        std::memcpy(valuePtr, next(), count);
+    }
+    advance(count);
+    return *this;
+}
+
+istream_binary& istream_binary::get(char* valuePtr, unsigned int count, char delim)
+{
+    if (!good())
+    {
+        return *this;
+    }
+    const bool cut = cutToLeft(count);
+    const unsigned int copied = copyUpTo(delim, valuePtr, count);
+    if (cut && copied != 0 && copied == count)
+    {
+        setfail();
+    }
+    advance(copied);
+    return *this;
+}
+
+ostream_text::ostream_text() = default;
+
+ostream_text::~ostream_text() = default;
+
+ostream_text& ostream_text::operator<<(bool value)
+{
+    return put(value ? '1' : '0');
+}
+
+ostream_text& ostream_text::operator<<(char value)
+{
+    return put(value);
+}
+
+ostream_text& ostream_text::operator<<(unsigned char value)
+{
+    return *this << static_cast<unsigned long>(value);
+}
+
+ostream_text& ostream_text::operator<<(short value)
+{
+    return *this << static_cast<long>(value);
+}
+
+ostream_text& ostream_text::operator<<(unsigned short value)
+{
+    return *this << static_cast<unsigned long>(value);
+}
+
+ostream_text& ostream_text::operator<<(int value)
+{
+    return *this << static_cast<long>(value);
+}
+
+ostream_text& ostream_text::operator<<(unsigned int value)
+{
+    return *this << static_cast<unsigned long>(value);
+}
+
+ostream_text& ostream_text::operator<<(long value)
+{
+    char digits[NUM_TEXT_BUFFER_SIZE];
+    signedToAscii(digits, value);
+    return put(digits, static_cast<unsigned int>(std::strlen(digits)));
+}
+
+ostream_text& ostream_text::operator<<(unsigned long value)
+{
+    char digits[NUM_TEXT_BUFFER_SIZE];
+    unsignedToAscii(digits, value);
+    return put(digits, static_cast<unsigned int>(std::strlen(digits)));
+}
+
+ostream_text& ostream_text::operator<<(unsigned long long value)
+{
+    char digits[NUM_TEXT_BUFFER_SIZE];
+    unsignedLongLongToAscii(digits, value);
+    return put(digits, static_cast<unsigned int>(std::strlen(digits)));
+}
+
+ostream_text& ostream_text::put(char ch)
+{
+    if (ch == '\0')
+    {
+        return *this;
+    }
+    if (room() == 0)
+    {
+        setfail();
+        return *this;
+    }
+    *next() = ch;
+    advance(1);
+    return *this;
+}
+
+ostream_text& ostream_text::put(const char* valuePtr, unsigned int count)
+{
+    cutToRoom(count);
+    if (count != 0)
+    {
+        const std::size_t length = strnlen(valuePtr, count);
+        std::memcpy(next(), valuePtr, length);
+        std::memset(next() + length, 0, count - length);
+    }
+    advance(count);
+    return *this;
+}
+
+void ostream_text::intToAscii(char* output, unsigned long unsignedVal, bool negative)
+{
+    toAscii(output, static_cast<std::uint32_t>(unsignedVal), negative);
+}
+
+void ostream_text::unsignedToAscii(char* output, unsigned long unsignedVal)
+{
+    intToAscii(output, unsignedVal, false);
+}
+
+void ostream_text::signedToAscii(char* output, long signedVal)
+{
+    const bool negative = static_cast<std::int32_t>(signedVal) < 0;
+    const unsigned long bits = static_cast<unsigned long>(signedVal);
+    intToAscii(output, negative ? 0 - bits : bits, negative);
+}
+
+void ostream_text::longLongToAscii(char* output, unsigned long long unsignedVal, bool negative)
+{
+    toAscii(output, unsignedVal, negative);
+}
+
+void ostream_text::unsignedLongLongToAscii(char* output, unsigned long long unsignedVal)
+{
+    longLongToAscii(output, unsignedVal, false);
+}
+
+void ostream_text::signedLongLongToAscii(char* output, long long signedVal)
+{
+    const unsigned long long bits = static_cast<unsigned long long>(signedVal);
+    longLongToAscii(output, signedVal < 0 ? 0 - bits : bits, signedVal < 0);
+}
+
+istream_text::istream_text() : m_lastReadCount(0) {}
+
+istream_text::~istream_text() = default;
+
+istream_text& istream_text::operator>>(char& ch)
+{
+    return get(ch);
+}
+
+istream_text& istream_text::operator>>(unsigned char& value)
+{
+    return readUnsigned(value, 0xFF);
+}
+
+// There is no lower bound: what lies below -32768 is stored with its low 16 bits.
+istream_text& istream_text::operator>>(short& value)
+{
+    return readSigned(value, 0x7FFF);
+}
+
+istream_text& istream_text::operator>>(unsigned short& value)
+{
+    return readUnsigned(value, 0xFFFF);
+}
+
+istream_text& istream_text::operator>>(int& value)
+{
+    return readSigned(value, 0x7FFFFFFF);
+}
+
+istream_text& istream_text::operator>>(unsigned int& value)
+{
+    return readUnsignedInPlace(value);
+}
+
+istream_text& istream_text::operator>>(long& value)
+{
+    return readSigned(value, 0x7FFFFFFF);
+}
+
+istream_text& istream_text::operator>>(unsigned long& value)
+{
+    return readUnsignedInPlace(value);
+}
+
+istream_text& istream_text::operator>>(unsigned long long& value)
+{
+    char number[kNumberTokenSize];
+    if (scanNumber(number) && !asciiToUnsignedLongLong(number, value))
+    {
+        setfail();
+    }
+    return *this;
+}
+
+istream_text& istream_text::get(char& ch)
+{
+    m_lastReadCount = 0;
+    if (good() && left() != 0)
+    {
+        ch = *next();
+        m_lastReadCount = 1;
+    }
+    else
+    {
+        setfail();
+    }
+    advance(m_lastReadCount);
+    return *this;
+}
+
+istream_text& istream_text::get(char* valuePtr, unsigned int count, char delim)
+{
+    if (!good())
+    {
+        return *this;
+    }
+    const bool cut = cutToLeft(count);
+    m_lastReadCount = copyUpTo(delim, valuePtr, count);
+    if (count != 0)
+    {
+        valuePtr[m_lastReadCount] = '\0';
+        if (cut && m_lastReadCount == count)
+        {
+            setfail();
+        }
+    }
+    advance(m_lastReadCount);
+    return *this;
+}
+
+unsigned int istream_text::gcount() const
+{
+    return m_lastReadCount;
+}
+
+unsigned int istream_text::getNumber(char* buffer)
+{
+    unsigned int consumed = 0;
+    unsigned int copied = 0;
+    bool digitSeen = false;
+    bool nonZeroSeen = false;
+    for (; left() != 0; ++m_currentReadPosition, ++consumed)
+    {
+        const char ch = *next();
+        const bool sign = ch == '+' || ch == '-' || ch == 'x' || ch == 'X';
+        if (!sign && !isDigit(ch) && !isHexLetter(ch))
+        {
+            break;
+        }
+        const bool copies = ch == '0' ? nonZeroSeen : !sign || ch == '-';
+        if ((sign && digitSeen) || (copies && copied == kNumberTokenSize - 1))
+        {
+            setfail();
+            break;
+        }
+        if (copies)
+        {
+            buffer[copied++] = ch;
+        }
+        // A hex letter counts as a digit, yet not as one that keeps the number from being 0.
+        digitSeen |= !sign;
+        nonZeroSeen |= ch >= '1' && ch <= '9';
+    }
+    if (digitSeen && !nonZeroSeen)
+    {
+        buffer[0] = '0';
+        copied = 1;
+    }
+    buffer[copied] = '\0';
+    advance(0);
+    if (!digitSeen)
+    {
+        setfail();
+        return 0;
+    }
+    return consumed;
+}
+
+bool istream_text::asciiToInt(const char* text, unsigned long& value, bool& negative) const
+{
+    if (!good())
+    {
+        return true;
+    }
+    std::uint32_t magnitude;
+    const bool converted = fromAscii(text, magnitude, negative);
+    value = magnitude;
+    return converted;
+}
+
+bool istream_text::asciiToSigned(const char* text, long& value) const
+{
+    unsigned long magnitude = 0;
+    bool negative = false;
+    if (!asciiToInt(text, magnitude, negative) || magnitude > 0x7FFFFFFF)
+    {
+        return false;
+    }
+    value = negative ? -static_cast<long>(magnitude) : static_cast<long>(magnitude);
+    return true;
+}
+
+bool istream_text::asciiToUnsigned(const char* text, unsigned long& value) const
+{
+    bool negative = false;
+    return asciiToInt(text, value, negative) && !negative;
+}
+
+bool istream_text::asciiToLongLong(const char* text, unsigned long long& value, bool& negative) const
+{
+    return !good() || fromAscii(text, value, negative);
+}
+
+bool istream_text::asciiToSignedLongLong(const char* text, long long& value) const
+{
+    // The limit is that small; it is part of the interface.
+    constexpr unsigned long long kMaximum = 60;
+    unsigned long long magnitude = 0;
+    bool negative = false;
+    if (!asciiToLongLong(text, magnitude, negative) || magnitude > kMaximum)
+    {
+        return false;
+    }
+    value = negative ? -static_cast<long long>(magnitude) : static_cast<long long>(magnitude);
+    return true;
+}
+
+bool istream_text::asciiToUnsignedLongLong(const char* text, unsigned long long& value) const
+{
+    bool negative = false;
+    return asciiToLongLong(text, value, negative) && !negative;
+}
+
+bool istream_text::scanNumber(char* buffer)
+{
+    if (!good())
+    {
+        return false;
+    }
+    if (getNumber(buffer) == 0)
+    {
+        setfail();
+        return false;
+    }
+    return true;
+}
+
+// Scanning may leave the stream not good with a number in hand (at the end of the data, or at a sign
+// within it). Converting then does nothing and succeeds, so the value is the 0 that stands here.
+template <typename T>
+istream_text& istream_text::readSigned(T& value, long maximum)
+{
+    char number[kNumberTokenSize];
+    long converted = 0;
+    if (scanNumber(number))
+    {
+        if (asciiToSigned(number, converted) && converted <= maximum)
+        {
+            value = static_cast<T>(converted);
+        }
+        else
+        {
+            setfail();
+        }
+    }
+    return *this;
+}
+
+template <typename T>
+istream_text& istream_text::readUnsigned(T& value, unsigned long maximum)
+{
+    char number[kNumberTokenSize];
+    unsigned long converted = 0;
+    if (scanNumber(number))
+    {
+        if (asciiToUnsigned(number, converted) && converted <= maximum)
+        {
+            value = static_cast<T>(converted);
+        }
+        else
+        {
+            setfail();
+        }
+    }
+    return *this;
+}
+
+// Unlike the others, the 32-bit unsigned numbers are converted into the target itself: it keeps its
+// value where converting does nothing, and receives the magnitude of a negative number that fails.
+template <typename T>
+istream_text& istream_text::readUnsignedInPlace(T& value)
+{
+    char number[kNumberTokenSize];
+    unsigned long converted = value;
+    if (scanNumber(number))
+    {
+        if (!asciiToUnsigned(number, converted))
+        {
+            setfail();
+        }
+        value = static_cast<T>(converted);
+    }
+    return *this;
+}
+
+} // namespace commonStream

@@ -1,0 +1,44 @@
+#!/bin/bash
+# sharedLibrary.sh LIBRARY NM READELF: the shared library exports the public interface, all of it and
+# nothing else, has its SONAME, and needs the C and C++ libraries alone.
+set -euo pipefail
+library=$1 nm=$2 readelf=$3
+status=0
+fail() {
+    echo "$*"
+    status=1
+}
+
+exported=$("$nm" --dynamic --defined-only --extern-only --demangle --no-weak "$library" | cut -d' ' -f3-)
+weak=$("$nm" --dynamic --defined-only --demangle "$library" | sed -n 's/^[0-9a-f]* [VWu] //p')
+public='(commonStream|MessageBase|BciMessageBase|BciAuditCfm|BciMsgRegistry)'
+others=$(grep -vE "^((vtable|VTT) for |construction vtable for |(non-)?virtual thunk to )?$public(::|$|-in-)" \
+    <<<"$exported"$'\n'"$weak" | grep -vE '^(getTagContents|insertArraySubscripts)\(|^$' || true)
+[ -z "$others" ] || fail "exported, but not public:"$'\n'"$others"
+
+while read -r name; do
+    grep -qF -- "$name" <<<"$exported" || fail "not exported: $name"
+done <<'END'
+commonStream::streambase::attachBuffer(
+commonStream::istreambase::seekg(
+commonStream::ostreambase::seekp(
+commonStream::istream_binary::operator>>(
+commonStream::istream_text::operator>>(
+commonStream::ostream_binary::operator<<(
+commonStream::ostream_text::operator<<(
+getTagContents(char const*, char const*, char*, int&)
+getTagContents(char const*, char const*, char*, unsigned int, int&)
+insertArraySubscripts(
+MessageBase::DELIM
+BciMessageBase::s_bciRegistrationMap
+BciMessageBase::instantiateBciMsgFromText(
+BciMsgRegistry::registerSupportedMsgClasses()
+BciAuditCfm::instantiateBciMsg(
+END
+
+dynamic=$("$readelf" --dynamic --wide "$library")
+grep -q 'SONAME.*\[libbci\.so\.[0-9]*\]' <<<"$dynamic" || fail "no SONAME"
+needed=$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic" |
+    grep -vE '^(libc\.so|libm\.so|libstdc\+\+\.so|libgcc_s\.so|ld[a-z0-9-]*\.so)' || true)
+[ -z "$needed" ] || fail "needs more than the C and C++ libraries: $needed"
+exit "$status"

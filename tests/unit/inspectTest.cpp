@@ -1,0 +1,210 @@
+// The strict walk of the tools, over a signal of its own with every kind of field.
+
+#include "inspect.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace bci::tool;
+using bci::Signal;
+using bci::codec::Field;
+using bci::codec::Kind;
+using bci::codec::Shape;
+
+struct SampleS
+{
+    U32 word;
+    S32 signedWord;
+    U16 half;
+    S16 signedHalf;
+    U8 byte;
+    U8 name[4];
+};
+
+constexpr Field kRows[] = {
+    BCI_FIELD(SampleS, word, "word", 1), BCI_FIELD(SampleS, signedWord, "signedWord", 2),
+    BCI_FIELD(SampleS, half, "half", 3), BCI_FIELD(SampleS, signedHalf, "signedHalf", 4),
+    BCI_FIELD(SampleS, byte, "byte", 5), BCI_FIELD(SampleS, name, "name", 6),
+};
+constexpr Shape kShape = {"Sample", "SampleS", sizeof(SampleS), {"sampleMsg", kRows}};
+constexpr Signal kSignal = {1, "SAMPLE", &kShape};
+
+Rendering rendering(Form form, const std::string& bytes)
+{
+    return {bytes, false, form, std::endian::big, &kSignal};
+}
+
+std::string walked(const Record& record)
+{
+    std::string text;
+    for (const FieldValue& value : record.fields)
+    {
+        text += std::to_string(value.position) + " " + value.field->tag + "=" + value.value + "\n";
+    }
+    return text;
+}
+
+SampleS structureOf(const Record& record)
+{
+    SampleS structure;
+    EXPECT_EQ(record.structure.size(), sizeof structure);
+    std::memcpy(&structure, record.structure.data(), sizeof structure);
+    return structure;
+}
+
+std::string damageOf(const Rendering& input)
+{
+    try
+    {
+        inspect(input);
+    }
+    catch (const Damage& damage)
+    {
+        return damage.what();
+    }
+    return "none";
+}
+
+std::string damageInText(const std::string& bytes)
+{
+    return damageOf(rendering(Form::text, bytes));
+}
+
+void expectExtremes(const Record& record)
+{
+    const SampleS structure = structureOf(record);
+    EXPECT_EQ(structure.word, 4294967295U);
+    EXPECT_EQ(structure.signedWord, -2147483647 - 1);
+    EXPECT_EQ(structure.half, 65535);
+    EXPECT_EQ(structure.signedHalf, -32768);
+    EXPECT_EQ(structure.byte, 255);
+    EXPECT_EQ(std::memcmp(structure.name, "a b", 4), 0);
+}
+
+TEST(Inspect, ReadsEveryKindFromTextExactly)
+{
+    const Record record = inspect(rendering(Form::text, "4294967295:-2147483648:65535:-32768:255:a b:"));
+    EXPECT_EQ(walked(record), "0 word=4294967295\n11 signedWord=-2147483648\n23 half=65535\n"
+                              "29 signedHalf=-32768\n36 byte=255\n40 name=a b\n");
+    expectExtremes(record);
+}
+
+TEST(Inspect, ReadsEveryKindFromBinary)
+{
+    const Record record =
+        inspect(rendering(Form::binary, std::string("\xFF\xFF\xFF\xFF\x80\0\0\0\xFF\xFF\x80\0\xFF"
+                                                    "a b\0",
+                                                    17)));
+    EXPECT_EQ(walked(record), "0 word=4294967295\n4 signedWord=-2147483648\n8 half=65535\n"
+                              "10 signedHalf=-32768\n12 byte=255\n13 name=a b\n");
+    expectExtremes(record);
+}
+
+TEST(Inspect, ReadsEveryKindFromXmlExactly)
+{
+    const Record record = inspect(rendering(
+        Form::xml, "<word>4294967295</word><signedWord>\n\t  -2147483648\n\t</signedWord><half>65535</half>"
+                   "<byte> 255 </byte><signedHalf>-32768</signedHalf><name>a b</name>"));
+    EXPECT_EQ(walked(record), "6 word=4294967295\n39 signedWord=-2147483648\n71 half=65535\n"
+                              "113 signedHalf=-32768\n90 byte=255\n138 name=a b\n");
+    expectExtremes(record);
+}
+
+TEST(Inspect, TurnsOnlyTheFirstWordOfALittleEndianHost)
+{
+    Rendering input = rendering(Form::binary, std::string("\4\3\2\1\0\0\0\1\0\2\0\3\4abc\0", 17));
+    input.firstWord = std::endian::little;
+    EXPECT_EQ(walked(inspect(input)),
+              "0 word=16909060\n4 signedWord=1\n8 half=2\n10 signedHalf=3\n12 byte=4\n13 name=abc\n");
+}
+
+TEST(Inspect, TellsWhereANumberInTextIsNone)
+{
+    EXPECT_EQ(damageInText("1:x:"), ":1:3: signedWord: not a decimal number: 'x'");
+    EXPECT_EQ(damageInText("1:2x4:"), ":1:4: signedWord: not a decimal number: '2x4'");
+    EXPECT_EQ(damageInText("1::"), ":1:3: signedWord: not a decimal number: ''");
+    EXPECT_EQ(damageInText("1: 2:"), ":1:3: signedWord: not a decimal number: ' 2'");
+    EXPECT_EQ(damageInText("1:+2:"), ":1:3: signedWord: not a decimal number: '+2'");
+    EXPECT_EQ(damageInText("1:99999999999999999999x:"),
+              ":1:23: signedWord: not a decimal number: '99999999999999999999x'");
+}
+
+TEST(Inspect, HoldsEveryNumberAgainstItsRange)
+{
+    EXPECT_EQ(damageInText("4294967296:"), ":1:1: word: 4294967296 is not within 0 ... 4294967295");
+    EXPECT_EQ(damageInText("-1:"), ":1:1: word: -1 is not within 0 ... 4294967295");
+    EXPECT_EQ(damageInText("1:2147483648:"),
+              ":1:3: signedWord: 2147483648 is not within -2147483648 ... 2147483647");
+    EXPECT_EQ(damageInText("1:2:65536:"), ":1:5: half: 65536 is not within 0 ... 65535");
+    EXPECT_EQ(damageInText("1:2:3:-32769:"), ":1:7: signedHalf: -32769 is not within -32768 ... 32767");
+    EXPECT_EQ(damageInText("1:2:3:4:256:"), ":1:9: byte: 256 is not within 0 ... 255");
+    EXPECT_EQ(damageInText("99999999999999999999:"),
+              ":1:1: word: 99999999999999999999 is not within 0 ... 4294967295");
+}
+
+TEST(Inspect, TellsATextThatDoesNotFit)
+{
+    EXPECT_EQ(damageInText("1:2:3:4:5:abcd:"), ":1:14: name: more than the 3 characters that fit");
+    EXPECT_EQ(damageInText("1:2:3:4:5:abc:"), "none");
+}
+
+TEST(Inspect, TellsWhereTextEndsEarly)
+{
+    EXPECT_EQ(damageInText("1:2:3"), ":1:6: half: the input ends before the ':' behind this field");
+    EXPECT_EQ(damageInText("1:2:"), ":1:5: half: the input ends before the ':' behind this field");
+}
+
+TEST(Inspect, TellsWhereBinaryEndsEarly)
+{
+    EXPECT_EQ(damageOf(rendering(Form::binary, std::string("\0\0\0\1\0\0", 6))),
+              ": offset 4: signedWord: the input ends within this field, after 2 of 4 bytes");
+}
+
+TEST(Inspect, TellsAMissingElementAtTheEndOfTheDocument)
+{
+    EXPECT_EQ(damageOf(rendering(Form::xml, "<word>1</word>\n<signedWord>2</signedWord>\n")),
+              ":3:1: half: no such element");
+}
+
+TEST(Inspect, CountsLinesAndColumns)
+{
+    EXPECT_EQ(damageOf(rendering(Form::xml, "<word>1</word>\n<signedWord>\n\t  2x\n\t</signedWord>\n")),
+              ":3:5: signedWord: not a decimal number: '2x'");
+}
+
+TEST(Inspect, CountsBytesInWhatCameAsHex)
+{
+    Rendering input = rendering(Form::text, "1:x:");
+    input.fromHex = true;
+    EXPECT_EQ(damageOf(input), ": offset 2: signedWord: not a decimal number: 'x'");
+}
+
+TEST(Inspect, AllowsZerosAndInTextWhiteSpaceBehindTheLastField)
+{
+    EXPECT_EQ(damageInText(std::string("1:2:3:4:5:abc:\r\n\0\0", 18)), "none");
+    EXPECT_EQ(damageInText("1:2:3:4:5:abc:\n6"), ":2:1: name: more input behind this field, the last");
+    const std::string binary("\0\0\0\1\0\0\0\1\0\2\0\3\4abc\0", 17);
+    EXPECT_EQ(damageOf(rendering(Form::binary, binary + std::string(3, '\0'))), "none");
+    EXPECT_EQ(damageOf(rendering(Form::binary, binary + "\n")),
+              ": offset 17: name: more input behind this field, the last");
+}
+
+TEST(Inspect, NamesTypesAsTheWireStructuresDo)
+{
+    EXPECT_STREQ(typeName(Kind::u8), "U8");
+    EXPECT_STREQ(typeName(Kind::u16), "U16");
+    EXPECT_STREQ(typeName(Kind::s16), "S16");
+    EXPECT_STREQ(typeName(Kind::u32), "U32");
+    EXPECT_STREQ(typeName(Kind::s32), "S32");
+    EXPECT_STREQ(typeName(Kind::text), "text");
+}
+
+} // namespace

@@ -1,0 +1,39 @@
+// Walks a rendering by the shape of its signal.
+//
+// The codecs are lenient on purpose; this is strict. What a writer could not have written is damage, told
+// with its position and field, and values that the codecs lose (an unsigned number above 2147483647 in
+// XML, -2147483648 in text) are read as they stand.
+#ifndef BCI_TOOL_INSPECT_H
+#define BCI_TOOL_INSPECT_H
+
+#include "input.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace bci::tool
+{
+
+struct FieldValue
+{
+    const codec::Field* field;
+    std::size_t position; // of the value in the rendering, in bytes
+    std::string value;    // as text
+};
+
+struct Record
+{
+    std::vector<FieldValue> fields;
+    std::vector<char> structure; // the wire structure, in the host's layout; what no field fills is zero
+};
+
+// Reads all fields of a rendering. Throws Damage.
+Record inspect(const Rendering& rendering);
+
+// The name of a field's type, as the wire structures have it; texts are "text".
+const char* typeName(codec::Kind kind);
+
+} // namespace bci::tool
+
+#endif
