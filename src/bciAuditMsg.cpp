@@ -1,7 +1,7 @@
 #include "bciAuditMsg.h"
 
-#include "catalogue.h"
 #include "codec/codec.h"
+#include "shapes.h"
 
 #include <new>
 

@@ -2,16 +2,13 @@
 #ifndef BCI_CATALOGUE_H
 #define BCI_CATALOGUE_H
 
-#include "codec/schema.h"
 #include "scalarTypes.h"
+#include "shapes.h"
 
 #include <span>
 
 namespace bci
 {
-
-// Each is defined beside its message's rows.
-extern const codec::Shape kAuditCfmShape;
 
 struct Signal
 {
@@ -19,6 +16,12 @@ struct Signal
     const char* name; // of the constant in bciMsgRegistration.h
     const codec::Shape* shape;
 };
+
+// A signal number as it looks in the other byte order.
+constexpr SIGSELECT turnedRound(SIGSELECT number)
+{
+    return number << 24 | (number & 0xFF00) << 8 | (number >> 8 & 0xFF00) | number >> 24;
+}
 
 // Every signal of the interface, in the order of registration.
 std::span<const Signal> signals();
