@@ -139,15 +139,15 @@ TEST(Inspect, TellsWhereANumberInTextIsNone)
 
 TEST(Inspect, HoldsEveryNumberAgainstItsRange)
 {
-    EXPECT_EQ(damageInText("4294967296:"), ":1:1: word: 4294967296 is not within 0 ... 4294967295");
-    EXPECT_EQ(damageInText("-1:"), ":1:1: word: -1 is not within 0 ... 4294967295");
+    EXPECT_EQ(damageInText("4294967296:"), ":1:1: word: '4294967296' is not within 0 ... 4294967295");
+    EXPECT_EQ(damageInText("-1:"), ":1:1: word: '-1' is not within 0 ... 4294967295");
     EXPECT_EQ(damageInText("1:2147483648:"),
-              ":1:3: signedWord: 2147483648 is not within -2147483648 ... 2147483647");
-    EXPECT_EQ(damageInText("1:2:65536:"), ":1:5: half: 65536 is not within 0 ... 65535");
-    EXPECT_EQ(damageInText("1:2:3:-32769:"), ":1:7: signedHalf: -32769 is not within -32768 ... 32767");
-    EXPECT_EQ(damageInText("1:2:3:4:256:"), ":1:9: byte: 256 is not within 0 ... 255");
+              ":1:3: signedWord: '2147483648' is not within -2147483648 ... 2147483647");
+    EXPECT_EQ(damageInText("1:2:65536:"), ":1:5: half: '65536' is not within 0 ... 65535");
+    EXPECT_EQ(damageInText("1:2:3:-32769:"), ":1:7: signedHalf: '-32769' is not within -32768 ... 32767");
+    EXPECT_EQ(damageInText("1:2:3:4:256:"), ":1:9: byte: '256' is not within 0 ... 255");
     EXPECT_EQ(damageInText("99999999999999999999:"),
-              ":1:1: word: 99999999999999999999 is not within 0 ... 4294967295");
+              ":1:1: word: '99999999999999999999' is not within 0 ... 4294967295");
 }
 
 TEST(Inspect, TellsATextThatDoesNotFit)
@@ -174,6 +174,18 @@ TEST(Inspect, TellsAMissingElementAtTheEndOfTheDocument)
               ":3:1: half: no such element");
 }
 
+TEST(Inspect, TellsAnElementThatIsNotClosed)
+{
+    EXPECT_EQ(damageOf(rendering(Form::xml, "<word>1</word>\n <signedWord>2<half>3</half>")),
+              ":2:2: signedWord: this element is not closed");
+}
+
+TEST(Inspect, TellsAZeroByteThatEndsTheDocument)
+{
+    EXPECT_EQ(damageOf(rendering(Form::xml, std::string("<word>1</word>\0<signedWord>2</signedWord>", 41))),
+              ":1:15: signedWord: no such element before the zero byte here");
+}
+
 TEST(Inspect, CountsLinesAndColumns)
 {
     EXPECT_EQ(damageOf(rendering(Form::xml, "<word>1</word>\n<signedWord>\n\t  2x\n\t</signedWord>\n")),
@@ -195,6 +207,16 @@ TEST(Inspect, AllowsZerosAndInTextWhiteSpaceBehindTheLastField)
     EXPECT_EQ(damageOf(rendering(Form::binary, binary + std::string(3, '\0'))), "none");
     EXPECT_EQ(damageOf(rendering(Form::binary, binary + "\n")),
               ": offset 17: name: more input behind this field, the last");
+}
+
+TEST(Inspect, ShowsPiecesOfInputOnOneLineAndCut)
+{
+    EXPECT_EQ(quote("a b"), "'a b'");
+    EXPECT_EQ(quote(std::string("\n\x1B\x7F\0", 4)), "'\\x0A\\x1B\\x7F\\x00'");
+    EXPECT_EQ(quote(std::string(40, 'x')), "'" + std::string(40, 'x') + "'");
+    EXPECT_EQ(quote(std::string(41, 'x')), "'" + std::string(40, 'x') + "'...");
+    EXPECT_EQ(displayName("-"), "<stdin>");
+    EXPECT_EQ(displayName("a\nb"), "a\\x0Ab");
 }
 
 TEST(Inspect, NamesTypesAsTheWireStructuresDo)

@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -18,6 +17,9 @@ namespace bci::tool
 
 namespace
 {
+
+// Bytes. The longest rendering of any signal has a few thousand, as hex three times as many.
+constexpr std::size_t kLongestInput = 1 << 20;
 
 constexpr const char* kDigits = "0123456789";
 constexpr const char* kSpaces = " \t\n\v\f\r";
@@ -28,23 +30,30 @@ std::size_t afterDigits(std::string_view bytes)
     return std::min(bytes.find_first_not_of(kDigits), bytes.size());
 }
 
-// The bytes that pairs of hex digits stand for, white space between pairs allowed.
-std::optional<std::string> decodeHex(std::string_view input)
+struct Hex
 {
     std::string bytes;
-    for (std::size_t at = input.find_first_not_of(kSpaces); at != std::string_view::npos;
-         at = input.find_first_not_of(kSpaces, at + 2))
+    std::size_t end; // where the pairs of hex digits end in the input
+};
+
+// The bytes that the pairs of hex digits at the start of an input stand for, white space between the
+// pairs allowed.
+Hex decodeHex(std::string_view input)
+{
+    Hex hex = {{}, std::min(input.find_first_not_of(kSpaces), input.size())};
+    while (hex.end != input.size())
     {
         unsigned char byte = 0;
-        const std::string_view pair = input.substr(at, 2);
+        const std::string_view pair = input.substr(hex.end, 2);
         const auto [stop, error] = std::from_chars(pair.data(), pair.data() + pair.size(), byte, 16);
         if (error != std::errc{} || stop != pair.data() + 2)
         {
-            return std::nullopt;
+            break;
         }
-        bytes.push_back(static_cast<char>(byte));
+        hex.bytes.push_back(static_cast<char>(byte));
+        hex.end = std::min(input.find_first_not_of(kSpaces, hex.end + 2), input.size());
     }
-    return bytes;
+    return hex;
 }
 
 U32 bigEndianWord(std::string_view bytes)
@@ -57,11 +66,6 @@ U32 bigEndianWord(std::string_view bytes)
     return word;
 }
 
-U32 turnedRound(U32 word)
-{
-    return word << 24 | (word & 0xFF00) << 8 | (word >> 8 & 0xFF00) | word >> 24;
-}
-
 // The signal of a decimal number. `position` is where the number stands in the rendering.
 const Signal* signalOf(std::string_view number, const Rendering& rendering, std::size_t position)
 {
@@ -71,7 +75,7 @@ const Signal* signalOf(std::string_view number, const Rendering& rendering, std:
     const Signal* const signal = stop == end && error == std::errc{} ? findSignal(value) : nullptr;
     if (signal == nullptr)
     {
-        throw Damage(rendering, position, "sigNo", "no signal has the number '" + std::string(number) + "'");
+        throw Damage(rendering, position, "sigNo", "no signal has the number " + quote(number));
     }
     return signal;
 }
@@ -134,6 +138,27 @@ bool isAnyForm(Rendering& rendering)
     return isBinary(rendering) || isText(rendering) || isXml(rendering);
 }
 
+// On one line and without control characters.
+std::string escaped(std::string_view text)
+{
+    std::string result;
+    for (const char ch : text)
+    {
+        const auto byte = static_cast<unsigned char>(ch);
+        if (byte < ' ' || byte == 0x7F)
+        {
+            std::array<char, 8> code;
+            std::snprintf(code.data(), code.size(), "\\x%02X", unsigned{byte});
+            result += code.data();
+        }
+        else
+        {
+            result += ch;
+        }
+    }
+    return result;
+}
+
 // Line and column, both from 1, the column in bytes.
 std::string lineAndColumn(std::string_view bytes, std::size_t position)
 {
@@ -162,6 +187,17 @@ Damage::Damage(const Rendering& rendering, std::size_t position, const std::stri
 {
 }
 
+std::string displayName(const std::string& fileName)
+{
+    return fileName == "-" ? "<stdin>" : escaped(fileName);
+}
+
+std::string quote(std::string_view piece)
+{
+    constexpr std::size_t kLongest = 40;
+    return "'" + escaped(piece.substr(0, kLongest)) + (piece.size() > kLongest ? "'..." : "'");
+}
+
 std::string readFile(const std::string& name)
 {
     const auto close = [](std::FILE* file) { std::fclose(file); };
@@ -172,16 +208,14 @@ std::string readFile(const std::string& name)
         opened.reset(std::fopen(name.c_str(), "rb"));
         file = opened.get();
     }
-    std::string content;
-    std::array<char, 65536> chunk;
-    for (std::size_t count = 1; file != nullptr && count != 0;)
+    std::string content(kLongestInput + 1, '\0');
+    if (file != nullptr)
     {
-        count = std::fread(chunk.data(), 1, chunk.size(), file);
-        content.append(chunk.data(), count);
+        content.resize(std::fread(content.data(), 1, content.size(), file));
     }
     if (file == nullptr || std::ferror(file) != 0)
     {
-        throw Trouble(name + ": " + std::strerror(errno));
+        throw Trouble(displayName(name) + ": " + std::strerror(errno));
     }
     return content;
 }
@@ -194,19 +228,28 @@ Rendering recognise(std::string input)
     {
         throw Damage(rendering, 0, "sigNo", "the input is empty");
     }
+    if (rendering.bytes.size() > kLongestInput)
+    {
+        throw Damage(rendering, kLongestInput, "sigNo", "the input goes on, beyond what any signal takes");
+    }
+    Rendering hex;
+    const Hex decoded = decodeHex(rendering.bytes);
+    hex.bytes = decoded.bytes;
+    hex.fromHex = true;
+    if (isBinary(hex) || (decoded.end == rendering.bytes.size() && isAnyForm(hex)))
+    {
+        if (decoded.end != rendering.bytes.size())
+        {
+            rendering.form = Form::text; // to tell the place by line and column
+            throw Damage(rendering, decoded.end, "sigNo",
+                         "this is hex, but here is no pair of hex digits: " +
+                             quote(std::string_view(rendering.bytes).substr(decoded.end, 2)));
+        }
+        return hex;
+    }
     if (isAnyForm(rendering))
     {
         return rendering;
-    }
-    if (const auto decoded = decodeHex(rendering.bytes))
-    {
-        Rendering hex;
-        hex.bytes = *decoded;
-        hex.fromHex = true;
-        if (isAnyForm(hex))
-        {
-            return hex;
-        }
     }
     if (const std::size_t digits = afterDigits(rendering.bytes); digits != 0)
     {

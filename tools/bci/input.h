@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace bci::tool
 {
@@ -45,7 +46,13 @@ struct Trouble : std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-// Reads a whole file, "-" for standard input. Throws Trouble.
+// What the user knows an input by: its name, or "<stdin>" for "-".
+std::string displayName(const std::string& fileName);
+
+// A piece of input for a message: in quotes, cut if it is long, on one line and without control characters.
+std::string quote(std::string_view piece);
+
+// Reads a whole file, "-" for standard input, up to one byte more than any signal takes. Throws Trouble.
 std::string readFile(const std::string& name);
 
 // Tells what an input is by looking at it. Throws Damage if it is no rendering of a known signal.

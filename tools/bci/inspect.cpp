@@ -144,10 +144,23 @@ private:
         codec::TagContent content;
         if (codec::findTag(m_rendering.bytes.c_str(), field.tag, content) == nullptr)
         {
-            damage(field, std::strlen(m_rendering.bytes.c_str()), "no such element");
+            missingElement(field);
         }
         takeCharacters(field, static_cast<std::size_t>(content.begin - m_rendering.bytes.c_str()),
                        {content.begin, content.size()});
+    }
+
+    [[noreturn]] void missingElement(const Field& field) const
+    {
+        const std::string_view document = m_rendering.bytes.c_str();
+        const std::size_t opening = document.find("<" + std::string(field.tag) + ">");
+        if (opening != std::string_view::npos)
+        {
+            damage(field, opening, "this element is not closed");
+        }
+        damage(field, document.size(),
+               document.size() == m_rendering.bytes.size() ? "no such element"
+                                                           : "no such element before the zero byte here");
     }
 
     void takeCharacters(const Field& field, std::size_t position, std::string_view characters)
@@ -182,13 +195,13 @@ private:
         {
             const std::size_t good =
                 error == std::errc::invalid_argument ? 0 : static_cast<std::size_t>(stop - characters.data());
-            damage(field, position + good, "not a decimal number: '" + std::string(characters) + "'");
+            damage(field, position + good, "not a decimal number: " + quote(characters));
         }
         const Range fits = range(field.kind);
         if (error == std::errc::result_out_of_range || number < fits.least || number > fits.greatest)
         {
             damage(field, position,
-                   std::string(characters) + " is not within " + std::to_string(fits.least) + " ... " +
+                   quote(characters) + " is not within " + std::to_string(fits.least) + " ... " +
                        std::to_string(fits.greatest));
         }
         return number;

@@ -1,8 +1,10 @@
 // Walks a rendering by the shape of its signal.
 //
-// The codecs are lenient on purpose; this is strict. What a writer could not have written is damage, told
-// with its position and field, and values that the codecs lose (an unsigned number above 2147483647 in
-// XML, -2147483648 in text) are read as they stand.
+// The codecs are lenient on purpose; this is strict about every field: a number that is none or out of its
+// range, a text that does not fit and a field that is missing are damage, told with position and field,
+// and in text and binary so is anything behind the last field. Of an XML document the signal's elements
+// are read, the first of each name, and nothing else is looked at. Values that the codecs lose (an unsigned
+// number above 2147483647 in XML, -2147483648 in text) are read as they stand.
 #ifndef BCI_TOOL_INSPECT_H
 #define BCI_TOOL_INSPECT_H
 

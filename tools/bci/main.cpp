@@ -9,6 +9,7 @@
 
 #include <bit>
 #include <cstdio>
+#include <exception>
 #include <iostream>
 #include <map>
 #include <string>
@@ -44,15 +45,21 @@ int complain(const std::string& message, int status)
     return status;
 }
 
+// Output that did not reach its place is trouble, whatever the verb came to.
+int finish()
+{
+    return std::cout.flush() && std::fflush(stdout) == 0 ? 0
+                                                         : complain("cannot write to standard output", kTrouble);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     CLI::App app("Shows and converts signals of the board control interface.", "bci");
     app.set_version_flag("--version", "bci " BCI_VERSION);
-    app.require_subcommand(1);
     app.failure_message([](const CLI::App*, const CLI::Error& error)
-                        { return std::string("bci: ") + error.what() + "\nTry 'bci --help'.\n"; });
+                        { return "bci: " + std::string(error.what()) + " (see bci --help)\n"; });
 
     std::string fileName = "-";
     const auto addFile = [&fileName](CLI::App* verb) {
@@ -78,15 +85,19 @@ int main(int argc, char** argv)
     try
     {
         app.parse(argc, argv);
+        if (app.get_subcommands().empty())
+        {
+            throw CLI::RequiredError("A verb");
+        }
     }
     catch (const CLI::ParseError& error)
     {
-        return app.exit(error) == 0 ? 0 : kTrouble;
+        return app.exit(error) == 0 ? finish() : kTrouble;
     }
 
-    BciMsgRegistry::registerSupportedMsgClasses();
     try
     {
+        BciMsgRegistry::registerSupportedMsgClasses();
         if (decode->parsed())
         {
             bci::tool::decode(fileName);
@@ -102,15 +113,11 @@ int main(int argc, char** argv)
     }
     catch (const bci::tool::Damage& damage)
     {
-        return complain((fileName == "-" ? "<stdin>" : fileName) + damage.what(), kDamageFound);
+        return complain(bci::tool::displayName(fileName) + damage.what(), kDamageFound);
     }
-    catch (const bci::tool::Trouble& trouble)
+    catch (const std::exception& trouble)
     {
         return complain(trouble.what(), kTrouble);
     }
-    if (!std::cout.flush() || std::fflush(stdout) != 0)
-    {
-        return complain("cannot write to standard output", kTrouble);
-    }
-    return 0;
+    return finish();
 }

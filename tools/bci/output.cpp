@@ -66,7 +66,7 @@ std::string render(const Record& record, const Signal& signal, Form form, std::e
     const std::unique_ptr<BciMessageBase> message(created);
     message->setMsg(record.structure.data());
 
-    // Above the longest rendering of any signal, the load-module block as XML.
+    // Room for the longest rendering of any signal.
     std::string buffer(8192, '\0');
     unsigned int length = static_cast<unsigned int>(buffer.size());
     bool accepted = false;
