@@ -21,10 +21,20 @@ typedef BciMessageBase* (*BciMsgFactory)(SIGSELECT sigNo);
 /// A message that wraps one wire structure and renders it into a buffer, or reads it back, in three
 /// forms: text, binary and XML.
 ///
-/// Results: every operation is lenient. A buffer that is too short, or a malformed number, is not an
-/// error: the result is true, and what happened shows in the returned length alone. False means that an
-/// XML element is missing or that a message's own check rejected a value; one line in the system log
-/// then says so. A failed read leaves what was read so far in the wire structure.
+/// Results: the codecs are lenient. A buffer that is too short, or a malformed number, is not an error:
+/// the result is true, and what happened shows in the returned length alone. False means that an XML
+/// element is missing or that a message's own check rejected a value; one line in the system log then says
+/// so. A failed read leaves what was read so far in the wire structure.
+///
+/// Byte order: a binary form begins with the signal number in the host's own byte order, which on the
+/// big-endian target is that of all other fields. What a host of the other order wrote needs its first four
+/// bytes turned round before it is read.
+///
+/// Memory: messages are allocated with `new (std::nothrow)`. Registering allocates a node of the registry;
+/// where there is no memory for it, the program ends.
+///
+/// To reach the wire structure of a message that came from a buffer, look at getSigNo() and `static_cast`
+/// to the class of that number (there is no run-time type information), or cast getMsg().
 ///
 /// Thread safety: registration finishes before other threads use the registry; from then on it is only
 /// read, and operations on distinct messages and buffers run in parallel.
@@ -124,8 +134,9 @@ public:
     bool serializeToText(char* buffer, unsigned int& length) const;
     /// Writes the binary form into a buffer; otherwise as serializeToText().
     bool serializeToBinary(char* buffer, unsigned int& length) const;
-    /// Writes the XML form into a buffer; otherwise as serializeToText(). To be read back it needs at
-    /// least one byte more than it fills.
+    /// Writes the XML form into a buffer; otherwise as serializeToText(). A field takes its value, twice its
+    /// name and 13 characters more. To be read back the form needs a zero behind it: a buffer that is at
+    /// least one byte longer has it.
     bool serializeToXml(char* buffer, unsigned int& length) const;
 
     /// Reads the text form into this message.

@@ -40,8 +40,8 @@ public:
     virtual void setMsg(const char* src) = 0;
     /// @return size in bytes of a buffer that holds the binary form
     virtual unsigned int getMaxBinaryBufferSize() = 0;
-    /// @return size in characters of a buffer that is meant to hold the text form; advice only, no
-    ///         operation compares a buffer with it
+    /// @return size in characters of a buffer that is meant to hold the text form, without a terminator;
+    ///         advice only, no operation compares a buffer with it
     virtual unsigned int getMaxTextBufferSize() = 0;
 };
 

@@ -319,11 +319,13 @@ public:
 
 /// Reads what ostream_text writes.
 ///
-/// A number is a run of decimal digits with what getNumber() lets through around them. What is no
-/// number, or does not fit the target's range, sets fail and leaves the target as it was. Two cases
-/// differ, on purpose, because the conversion does nothing on a stream that is not good:
+/// A number is a run of decimal digits with what getNumber() lets through around them; it is converted as
+/// by the asciiTo...() of its type. What is no number, or does not fit the target's range, sets fail and
+/// leaves the target as it was; but unsigned 32 and 64-bit targets receive what the conversion had summed
+/// up by then ("-5" leaves 5, "A1" leaves 1). Two cases differ, on purpose, because the conversion does
+/// nothing on a stream that is not good:
 /// - a number that runs up to the very end of the data sets eof, not fail;
-/// - a sign or 'x' in the middle of a number sets fail;
+/// - a sign or 'x' in the middle of a number, or one longer than 31 characters, sets fail;
 /// in both, targets of up to 16 bits and signed ones receive 0, and unsigned 32 and 64-bit ones keep
 /// their value.
 class BCI_API istream_text : public istreambase
@@ -337,10 +339,10 @@ public:
     istream_text& operator>>(short& value);              ///< at most 32767; below -32768 the low 16 bits are taken
     istream_text& operator>>(unsigned short& value);     ///< a number of at most 65535
     istream_text& operator>>(int& value);                ///< -2147483647 ... 2147483647
-    istream_text& operator>>(unsigned int& value);       ///< modulo 2^32; "-5" fails, yet leaves 5
+    istream_text& operator>>(unsigned int& value);       ///< modulo 2^32
     istream_text& operator>>(long& value);               ///< -2147483647 ... 2147483647
-    istream_text& operator>>(unsigned long& value);      ///< modulo 2^32; "-5" fails, yet leaves 5
-    istream_text& operator>>(unsigned long long& value); ///< modulo 2^64; "-5" fails, yet leaves 5
+    istream_text& operator>>(unsigned long& value);      ///< modulo 2^32
+    istream_text& operator>>(unsigned long long& value); ///< modulo 2^64
 
     /// Reads one character. On a stream that is not good, fail is set and `ch` stays as it was.
     istream_text& get(char& ch);
