@@ -23,15 +23,15 @@ typedef BciMessageBase* (*BciMsgFactory)(SIGSELECT sigNo);
 ///
 /// Results: the codecs are lenient. A buffer that is too short, or a malformed number, is not an error:
 /// the result is true, and what happened shows in the returned length alone. False means that an XML
-/// element is missing or that a message's own check rejected a value; one line in the system log then says
-/// so. A failed read leaves what was read so far in the wire structure.
+/// element is missing or that a message's own check rejected a value, which a codec says in one line of the
+/// system log. A failed read leaves what was read so far in the wire structure.
 ///
 /// Byte order: a binary form begins with the signal number in the host's own byte order, which on the
 /// big-endian target is that of all other fields. What a host of the other order wrote needs its first four
 /// bytes turned round before it is read.
 ///
 /// Memory: messages are allocated with `new (std::nothrow)`. Registering allocates a node of the registry;
-/// where there is no memory for it, the program ends.
+/// where there is no memory for it, `std::bad_alloc` ends the program or leaves the library, by platform.
 ///
 /// To reach the wire structure of a message that came from a buffer, look at getSigNo() and `static_cast`
 /// to the class of that number (there is no run-time type information), or cast getMsg().
@@ -104,8 +104,8 @@ public:
     /// @param buffer  the rendering; null counts as empty
     /// @param length  in: size of the rendering in bytes; out: bytes consumed. Unchanged if no message
     ///                was created
-    /// @param msg     receives the message, which the caller deletes, also after a false result if it is
-    ///                not null; untouched if the signal number is not registered
+    /// @param msg     null before the call; receives the message as by instantiateBciMsg(), which the caller
+    ///                deletes, also after a false result
     /// @return whether a message was created and read
     static bool instantiateBciMsgFromText(char* buffer, unsigned int& length, BciMessageBase*& msg);
     /// Creates a message from its binary form. Unlike with the other forms, a message that could not be
@@ -113,16 +113,16 @@ public:
     /// @param buffer  the rendering; null counts as empty
     /// @param length  in: size of the rendering in bytes; out: bytes consumed. Unchanged if no message
     ///                was created
-    /// @param msg     receives the message, which the caller deletes; untouched if the signal number is
-    ///                not registered
+    /// @param msg     null before the call; receives the message as by instantiateBciMsg(), which the caller
+    ///                deletes
     /// @return whether a message was created and read
     static bool instantiateBciMsgFromBinary(char* buffer, unsigned int& length, BciMessageBase*& msg);
     /// Creates a message from its XML form.
     /// @param buffer  the rendering, zero-terminated; null holds no element
     /// @param length  out: 0. Unchanged if no message was created; the terminating zero alone ends the
     ///                rendering
-    /// @param msg     receives the message, which the caller deletes, also after a false result if it is
-    ///                not null; untouched if the signal number is missing or not registered
+    /// @param msg     null before the call; receives the message as by instantiateBciMsg(), which the caller
+    ///                deletes, also after a false result
     /// @return whether a message was created and read
     static bool instantiateBciMsgFromXml(char* buffer, unsigned int& length, BciMessageBase*& msg);
 

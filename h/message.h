@@ -10,7 +10,8 @@
 /// What every message offers, whatever interface it belongs to. Abstract; holds no data.
 ///
 /// The library is built without run-time type information: a class derived from this one is compiled with
-/// `-fno-rtti` too, and a program under the undefined-behaviour sanitizer with `-fno-sanitize=vptr`.
+/// `-fno-rtti` too, there is no `dynamic_cast`, and a program under the undefined-behaviour sanitizer with
+/// `-fno-sanitize=vptr`.
 ///
 /// Thread safety: a message object is used by one thread at a time.
 class BCI_API MessageBase

@@ -4,6 +4,9 @@
 /// A stream keeps a pointer to the caller's buffer and nothing more: it allocates nothing, copies no
 /// buffer, frees none, throws nothing and logs nothing. What goes wrong shows in its status word alone.
 ///
+/// The library is built without run-time type information: a class derived from a stream is compiled with
+/// `-fno-rtti` too, and there is no `dynamic_cast` to one.
+///
 /// Thread safety: a stream is used by one thread at a time; distinct streams are independent.
 #ifndef BCI_STREAM_H
 #define BCI_STREAM_H
@@ -93,7 +96,8 @@ protected:
 
 /// Input side: a read position within the attached data.
 ///
-/// Reading operations do nothing on a stream that is not good. No operation reads past the data.
+/// Reading operations do nothing on a stream that is not good, unless they say so. No operation reads past
+/// the data.
 class BCI_API istreambase : public virtual streambase
 {
 public:
@@ -113,7 +117,8 @@ public:
     /// @return index of the next byte to read
     unsigned int tellg() const;
     /// Moves the read position. A target outside 0 ... length() sets fail and moves nothing. In every
-    /// case eof is set afterwards if the position equals length(), and cleared otherwise.
+    /// case eof is set afterwards if the position equals length(), and cleared otherwise. The arithmetic has
+    /// 32 bits and a sign: with a length() of 2^31 or more every target is outside.
     /// @param dir     what the offset counts from; any other value makes the seek fail
     /// @param offset  in bytes, may be negative
     /// @return the stream
@@ -253,8 +258,8 @@ public:
     /// @param count     how many bytes
     /// @return the stream
     istream_binary& get(char* valuePtr, unsigned int count);
-    /// Reads bytes up to a delimiter, which stays unread. If fewer than `count` bytes are left and the
-    /// delimiter is not among them, fail is set.
+    /// Reads bytes up to a delimiter, which stays unread. If some but fewer than `count` bytes are left and
+    /// the delimiter is not among them, fail is set.
     /// @param valuePtr  room for `count` bytes; no terminator is written
     /// @param count     how many bytes at most
     /// @param delim     the byte to stop before
@@ -344,21 +349,23 @@ public:
     istream_text& operator>>(unsigned long& value);      ///< modulo 2^32
     istream_text& operator>>(unsigned long long& value); ///< modulo 2^64
 
-    /// Reads one character. On a stream that is not good, fail is set and `ch` stays as it was.
+    /// Reads one character. On a stream that is not good, or has been made good at its end, fail is set and
+    /// `ch` stays as it was.
     istream_text& get(char& ch);
-    /// Reads characters up to a delimiter, which stays unread, and terminates them with a zero. If fewer
-    /// than `count` characters are left and the delimiter is not among them, fail is set. Nothing is
+    /// Reads characters up to a delimiter, which stays unread, and terminates them with a zero. If some but
+    /// fewer than `count` characters are left and the delimiter is not among them, fail is set. Nothing is
     /// written if the stream is not good or no character is wanted or left.
     /// @param valuePtr  room for `count` + 1 characters
     /// @param count     how many characters at most, the terminator not counted
     /// @param delim     the character to stop before
     /// @return the stream
     istream_text& get(char* valuePtr, unsigned int count, char delim);
-    /// @return how many characters the last get() delivered
+    /// @return how many characters the last get(), or `>>` into a `char`, delivered. A get() up to a
+    ///         delimiter does not count on a stream that is not good.
     unsigned int gcount() const;
 
-    /// Scans one number. '+', 'x' and 'X' before the first digit are skipped, leading zeros dropped, '-'
-    /// and the hex letters copied; any other character ends the scan unread. A sign or 'x' behind a
+    /// Scans one number, whatever the status. '+', 'x' and 'X' before the first digit are skipped, leading zeros
+    /// dropped, '-' and the hex letters copied; any other character ends the scan unread. A sign or 'x' behind a
     /// digit, or a 32nd character to copy, sets fail and ends the scan unread too.
     /// @param buffer  room for 32 characters; receives the number, "0" if only zeros and hex letters
     ///                were seen, and a terminating zero
@@ -372,16 +379,21 @@ public:
     /// @param negative  receives whether that character was a '-'
     /// @return false if that character was any other
     bool asciiToInt(const char* text, unsigned long& value, bool& negative) const;
-    /// As asciiToInt(); false, and `value` as it was, for a magnitude above 2147483647.
+    /// As asciiToInt(); false, and `value` as it was, for a magnitude above 2147483647. On a stream that is
+    /// not good `value` becomes 0.
     bool asciiToSigned(const char* text, long& value) const;
     /// As asciiToInt(); false for a negative number, whose magnitude `value` receives all the same.
     bool asciiToUnsigned(const char* text, unsigned long& value) const;
     /// asciiToInt() on 64 bits.
     bool asciiToLongLong(const char* text, unsigned long long& value, bool& negative) const;
-    /// As asciiToLongLong(); false, and `value` as it was, for a magnitude above 60.
+    /// As asciiToLongLong(); false, and `value` as it was, for a magnitude above 60. On a stream that is not
+    /// good `value` becomes 0.
     bool asciiToSignedLongLong(const char* text, long long& value) const;
     /// asciiToUnsigned() on 64 bits.
     bool asciiToUnsignedLongLong(const char* text, unsigned long long& value) const;
+
+protected:
+    unsigned int m_lastReadCount; ///< characters delivered by the last get
 
 private:
     bool scanNumber(char* buffer);
@@ -391,8 +403,6 @@ private:
     istream_text& readUnsigned(T& value, unsigned long maximum);
     template <typename T>
     istream_text& readUnsignedInPlace(T& value);
-
-    unsigned int m_lastReadCount; // characters delivered by the last get
 };
 
 } // namespace commonStream
@@ -409,7 +419,7 @@ private:
 /// @param document  the XML text, zero-terminated; null holds no element
 /// @param tag       the element's name without brackets; an empty name is never found
 /// @param content   room for 424 characters; receives the content, cut to 423 characters, and a
-///                  terminating zero; untouched if there is no such element
+///                  terminating zero; untouched if there is no such element. Null receives nothing
 /// @param offset    receives the index just past the closing tag, or, if there is no such element, the
 ///                  document's length
 /// @return whether the element was found

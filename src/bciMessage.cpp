@@ -85,7 +85,7 @@ char* BciMessageBase::getMsg() const
 
 void BciMessageBase::setMsg(const char* src)
 {
-    std::memcpy(m_bciMessagePtr, src, m_bciMessageSize);
+    std::copy_n(src, m_bciMessageSize, m_bciMessagePtr);
 }
 
 unsigned int BciMessageBase::getMaxTextBufferSize()

@@ -16,6 +16,9 @@ constexpr unsigned int kBad = 4;
 
 // One rendered number: up to 20 digits, a sign and the terminating zero.
 const unsigned int NUM_TEXT_BUFFER_SIZE = 22;
+// Whether text output terminates what it writes. It does not: a caller that wants a C string clears its
+// buffer first.
+const bool NULL_TERMINATED_TEXT_OSTREAM = false;
 // One scanned number: up to 31 characters and the terminating zero.
 constexpr unsigned int kNumberTokenSize = 32;
 
@@ -325,7 +328,7 @@ unsigned int istreambase::copyUpTo(char delim, char* valuePtr, unsigned int coun
     const void* const found = std::memchr(next(), delim, count);
     const unsigned int copied =
         found != nullptr ? static_cast<unsigned int>(static_cast<const char*>(found) - next()) : count;
-    std::memcpy(valuePtr, next(), copied);
+    std::copy_n(next(), copied, valuePtr);
     return copied;
 }
 
@@ -416,7 +419,7 @@ ostream_binary& ostream_binary::write(T value)
 }
 
 // The signal number, alone at position 0, keeps the host's byte order.
-ostream_binary& ostream_binary::writeFirstWord(std::uint32_t value)
+ostream_binary& ostream_binary::writeFirstWord(unsigned int value)
 {
     if (m_currentWritePosition == 0 && room() >= sizeof value)
     {
@@ -469,7 +472,7 @@ ostream_binary& ostream_binary::operator<<(long value)
 
 ostream_binary& ostream_binary::operator<<(unsigned long value)
 {
-    return writeFirstWord(static_cast<std::uint32_t>(value));
+    return writeFirstWord(static_cast<unsigned int>(value));
 }
 
 ostream_binary& ostream_binary::operator<<(unsigned long long value)
@@ -528,11 +531,11 @@ istream_binary& istream_binary::read(T& value)
 template <typename T>
 istream_binary& istream_binary::readFirstWord(T& value)
 {
-    std::uint32_t word;
     if (m_currentReadPosition != 0)
     {
         return read<std::uint32_t>(value);
     }
+    std::uint32_t word;
     if (expect(sizeof word))
     {
         std::memcpy(&word, m_bufferPtr, sizeof word);
@@ -716,6 +719,7 @@ ostream_text& ostream_text::put(const char* valuePtr, unsigned int count)
         std::memcpy(next(), valuePtr, length);
         std::memset(next() + length, 0, count - length);
     }
+    static_assert(!NULL_TERMINATED_TEXT_OSTREAM);
     advance(count);
     return *this;
 }

@@ -109,7 +109,7 @@ void copyContent(const TagContent& content, char* to, std::size_t size)
     if (size != 0)
     {
         const std::size_t copied = std::min(content.size(), size - 1);
-        std::memcpy(to, content.begin, copied);
+        std::memmove(to, content.begin, copied); // a caller may want the content over the document
         to[copied] = '\0';
     }
 }

@@ -36,6 +36,16 @@ BciMsgRegistry::registerSupportedMsgClasses()
 BciAuditCfm::instantiateBciMsg(
 END
 
+# Offset, no type information, and the two slots of a virtual destructor: a stream has nothing else virtual.
+word=$("$readelf" --file-header "$library" | awk '$1 == "Class:" { print $2 == "ELF64" ? 8 : 4 }')
+for class in streambase istreambase istream_binary istream_text ostreambase ostream_binary ostream_text; do
+    size=$("$nm" --dynamic --print-size --demangle "$library" |
+        sed -n "s/^[0-9a-f]* \([0-9a-f]*\) . vtable for commonStream::$class\$/\1/p")
+    # The classes below the virtual base have its offset, and a second part for it.
+    words=$([ "$class" = streambase ] && echo 4 || echo 10)
+    [ $((16#${size:-0})) -eq $((words * word)) ] || fail "virtual table of $class: 0x$size bytes"
+done
+
 dynamic=$("$readelf" --dynamic --wide "$library")
 grep -q 'SONAME.*\[libbci\.so\.[0-9]*\]' <<<"$dynamic" || fail "no SONAME"
 needed=$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic" |

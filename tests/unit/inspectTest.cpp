@@ -1,6 +1,7 @@
 // The strict walk of the tools, over a signal of its own with every kind of field.
 
 #include "inspect.h"
+#include "output.h"
 
 #include <gtest/gtest.h>
 
@@ -217,6 +218,14 @@ TEST(Inspect, ShowsPiecesOfInputOnOneLineAndCut)
     EXPECT_EQ(quote(std::string(41, 'x')), "'" + std::string(40, 'x') + "'...");
     EXPECT_EQ(displayName("-"), "<stdin>");
     EXPECT_EQ(displayName("a\nb"), "a\\x0Ab");
+}
+
+TEST(Inspect, WritesHexInLinesOfSixteenBytes)
+{
+    EXPECT_EQ(toHex(""), "");
+    EXPECT_EQ(toHex("\xFF"), "ff\n");
+    EXPECT_EQ(toHex(std::string(16, '\x0A')), "0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a\n");
+    EXPECT_EQ(toHex(std::string(17, '\x0A')), "0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a 0a\n0a\n");
 }
 
 TEST(Inspect, NamesTypesAsTheWireStructuresDo)

@@ -188,6 +188,21 @@ std::string xmlOf(SIGSELECT sigNo, S32 clientRef, S32 serverRef, unsigned int si
 
 } // namespace
 
+// A copy's pointer would designate the structure of its original.
+static_assert(!std::is_copy_constructible_v<PlainMessage> && !std::is_copy_assignable_v<PlainMessage>);
+
+template <typename Message>
+concept ShowsItsStructure = requires(Message& message)
+{
+    message.m_bciMessagePtr;
+};
+template <typename Message>
+concept ShowsItsWidths = requires
+{
+    Message::MAX_BUFFER_LEN_FOR_LONG;
+};
+static_assert(!ShowsItsStructure<PlainMessage> && !ShowsItsWidths<PlainMessage>);
+
 // Types
 
 TEST(MessageTypes, ScalarsHaveTheTypesOfTheKernel)

@@ -72,6 +72,16 @@ static_assert(std::has_virtual_destructor_v<ostreambase> && std::has_virtual_des
 static_assert(std::has_virtual_destructor_v<ostream_binary> && std::has_virtual_destructor_v<istream_text>);
 static_assert(std::has_virtual_destructor_v<ostream_text>);
 
+// Streams are copied as their members are; their members are theirs and their derived classes'.
+static_assert(std::is_copy_constructible_v<istream_text> && std::is_copy_assignable_v<istream_text>);
+static_assert(std::is_copy_constructible_v<ostream_binary> && std::is_copy_assignable_v<ostream_binary>);
+template <typename Stream>
+concept ShowsItsStatus = requires(Stream& stream)
+{
+    stream.m_statusFlags;
+};
+static_assert(!ShowsItsStatus<istream_text>);
+
 static_assert(std::is_same_v<decltype(std::declval<istreambase&>().seekg(BEG, 0)), istreambase&>);
 static_assert(std::is_same_v<decltype(std::declval<istreambase&>().seekg(0U)), istreambase&>);
 static_assert(std::is_same_v<decltype(std::declval<ostreambase&>().seekp(BEG, 0)), ostreambase&>);
@@ -238,6 +248,9 @@ TYPED_TEST(AnyStream, ZeroesItsBaseWhenDestroyed)
     const std::ptrdiff_t lengthAt = this->m_storage.offsetOf(base.*BaseMembers::length);
     const std::ptrdiff_t statusAt = this->m_storage.offsetOf(base.*BaseMembers::status);
     ASSERT_EQ(this->m_storage.template at<unsigned int>(statusAt), 7U);
+    EXPECT_LT(bufferAt, bufferLengthAt) << "members stand in their order of declaration";
+    EXPECT_LT(bufferLengthAt, lengthAt);
+    EXPECT_LT(lengthAt, statusAt);
 
     this->destroy();
 

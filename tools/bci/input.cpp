@@ -88,8 +88,6 @@ bool isBinary(Rendering& rendering)
         return false;
     }
     const U32 word = bigEndianWord(rendering.bytes);
-    rendering.form = Form::binary;
-    rendering.firstWord = std::endian::big;
     rendering.signal = findSignal(word);
     if (rendering.signal == nullptr)
     {
@@ -256,7 +254,6 @@ Rendering recognise(std::string input)
         rendering.form = Form::text;
         throw Damage(rendering, digits, "sigNo", "no ':' behind the number, and no hex of a known signal either");
     }
-    rendering.form = Form::binary;
     throw Damage(rendering, 0, "sigNo", "neither text, XML or hex, nor binary of a known signal");
 }
 
