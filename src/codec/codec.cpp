@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <syslog.h>
+#include <type_traits>
 
 using commonStream::istream_binary;
 using commonStream::istream_text;
@@ -19,29 +20,31 @@ namespace
 
 constexpr char kDelimiter = ':';
 
+// T, const where Byte is.
+template <typename T, typename Byte>
+using ConstLike = std::conditional_t<std::is_const_v<Byte>, const T, T>;
+
 // Calls one of two functions with a field: `number` with the field itself, `text` with its characters
 // and their count. Constness of the structure carries over.
 template <typename Byte, typename Number, typename Text>
 void visit(const Field& field, Byte* structure, Number number, Text text)
 {
-    constexpr bool isConst = std::is_const_v<Byte>;
-    using Address = std::conditional_t<isConst, const void*, void*>;
-    Byte* const at = structure + field.offset;
-    const Address address = at;
+    Byte* const characters = structure + field.offset;
+    ConstLike<void, Byte>* const at = characters;
     switch (field.kind)
     {
     case Kind::u8:
-        return number(*static_cast<std::conditional_t<isConst, const U8, U8>*>(address));
+        return number(*static_cast<ConstLike<U8, Byte>*>(at));
     case Kind::u16:
-        return number(*static_cast<std::conditional_t<isConst, const U16, U16>*>(address));
+        return number(*static_cast<ConstLike<U16, Byte>*>(at));
     case Kind::s16:
-        return number(*static_cast<std::conditional_t<isConst, const S16, S16>*>(address));
+        return number(*static_cast<ConstLike<S16, Byte>*>(at));
     case Kind::u32:
-        return number(*static_cast<std::conditional_t<isConst, const U32, U32>*>(address));
+        return number(*static_cast<ConstLike<U32, Byte>*>(at));
     case Kind::s32:
-        return number(*static_cast<std::conditional_t<isConst, const S32, S32>*>(address));
+        return number(*static_cast<ConstLike<S32, Byte>*>(at));
     case Kind::text:
-        return text(at, field.size);
+        return text(characters, field.size);
     }
 }
 
@@ -56,16 +59,15 @@ class ElementName
 public:
     ElementName(const char* tag, const Subscripts* subscripts) : m_name(tag)
     {
-        if (subscripts == nullptr)
+        const std::size_t length = std::strlen(tag);
+        if (subscripts == nullptr || tag[length - 1] != '_')
         {
             return;
         }
-        const int length = static_cast<int>(std::strlen(tag));
-        const bool isDouble = length > 1 && tag[length - 2] == '_';
-        if (isDouble)
+        if (tag[length - 2] == '_')
         {
-            std::snprintf(m_indexed, sizeof m_indexed, "%.*s%u_%u", length - 1, tag, subscripts->first,
-                          subscripts->second);
+            std::snprintf(m_indexed, sizeof m_indexed, "%.*s%u_%u", static_cast<int>(length - 1), tag,
+                          subscripts->first, subscripts->second);
         }
         else
         {

@@ -14,7 +14,8 @@ namespace bci::codec
 {
 
 // Indexes of an array element in XML names. A tag that ends in one underscore receives the first index
-// behind it; one that ends in two receives the first between them and the second at its end.
+// behind it; one that ends in two receives the first between them and the second at its end; any other
+// receives none.
 struct Subscripts
 {
     unsigned int first;

@@ -284,32 +284,36 @@ struct ElementS
 {
     U16 single;
     U16 twofold;
+    U16 plain;
 };
 
 constexpr Field kElementRows[] = {
     BCI_FIELD(ElementS, single, "single_", 70),
     BCI_FIELD(ElementS, twofold, "twofold__", 80),
+    BCI_FIELD(ElementS, plain, "plain", 90),
 };
 constexpr Fields kElement = {"sampleMsg", kElementRows};
 
 TEST(Codec, PutsIndexesIntoTheNamesOfElements)
 {
-    const ElementS structure = {5, 6};
+    const ElementS structure = {5, 6, 7};
     const Subscripts subscripts = {1, 12};
     EXPECT_EQ(written<ostream_text>([&](ostream_text& stream)
                                     { return writeXml(kElement, &structure, stream, &subscripts); }),
               "\t<single_1>\n\t  5\n\t</single_1>\n"
-              "\t<twofold_1_12>\n\t  6\n\t</twofold_1_12>\n");
+              "\t<twofold_1_12>\n\t  6\n\t</twofold_1_12>\n"
+              "\t<plain>\n\t  7\n\t</plain>\n");
 }
 
 TEST(Codec, FindsElementsByTheirIndexes)
 {
     ElementS structure = {};
     const Subscripts subscripts = {0, 9};
-    EXPECT_TRUE(
-        readXmlText("<twofold_0_9>3</twofold_0_9><single_0>4</single_0>", kElement, &structure, &subscripts));
+    EXPECT_TRUE(readXmlText("<twofold_0_9>3</twofold_0_9><single_0>4</single_0><plain>5</plain>", kElement,
+                            &structure, &subscripts));
     EXPECT_EQ(structure.single, 4);
     EXPECT_EQ(structure.twofold, 3);
+    EXPECT_EQ(structure.plain, 5);
 }
 
 TEST(Codec, NamesTheIndexesOfAMissingElement)
