@@ -164,6 +164,46 @@ void streambase::status(unsigned int theStatus)
     m_statusFlags = theStatus;
 }
 
+void streambase::setgood()
+{
+    m_statusFlags = 0;
+}
+
+void streambase::setfail()
+{
+    m_statusFlags |= kFail;
+}
+
+void streambase::seteof()
+{
+    m_statusFlags |= kEof;
+}
+
+void streambase::setbad()
+{
+    m_statusFlags |= kBad;
+}
+
+bool streambase::good() const
+{
+    return m_statusFlags == 0;
+}
+
+bool streambase::fail() const
+{
+    return false;
+}
+
+bool streambase::eof() const
+{
+    return (m_statusFlags & kEof) != 0;
+}
+
+bool streambase::bad() const
+{
+    return (m_statusFlags & kBad) != 0;
+}
+
 void streambase::seek(unsigned int& position, seekdir dir, int offset)
 {
     // The arithmetic is that of the 32-bit target on every host: it wraps around, and a target or a
@@ -209,46 +249,6 @@ void streambase::seek(unsigned int& position, unsigned int target)
 void streambase::updateEof(unsigned int position)
 {
     m_statusFlags = position == m_length ? m_statusFlags | kEof : m_statusFlags & ~kEof;
-}
-
-void streambase::setgood()
-{
-    m_statusFlags = 0;
-}
-
-void streambase::setfail()
-{
-    m_statusFlags |= kFail;
-}
-
-void streambase::seteof()
-{
-    m_statusFlags |= kEof;
-}
-
-void streambase::setbad()
-{
-    m_statusFlags |= kBad;
-}
-
-bool streambase::good() const
-{
-    return m_statusFlags == 0;
-}
-
-bool streambase::fail() const
-{
-    return false;
-}
-
-bool streambase::eof() const
-{
-    return (m_statusFlags & kEof) != 0;
-}
-
-bool streambase::bad() const
-{
-    return (m_statusFlags & kBad) != 0;
 }
 
 istreambase::istreambase() : m_currentReadPosition(0) {}

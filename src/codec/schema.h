@@ -5,6 +5,8 @@
 
 #include "field.h"
 
+#include <cstdint>
+
 namespace bci::codec
 {
 
@@ -15,6 +17,12 @@ struct Shape
     unsigned int structureSize; // bytes
     Fields fields;
 };
+
+// The number that a field holds in a wire structure of the host. Not for texts.
+std::int64_t loadNumber(const Field& field, const char* structure);
+
+// Puts a number there, cut to the field's width.
+void storeNumber(const Field& field, std::int64_t number, char* structure);
 
 } // namespace bci::codec
 

@@ -94,7 +94,7 @@ S32 toNumber(const TagContent& content)
     {
         ++at;
     }
-    // One more than the largest value on each side, so that a limit reached stays told from one passed.
+    // The magnitude of the least number, and one more than the greatest.
     constexpr std::int64_t kLimit = std::int64_t{std::numeric_limits<S32>::max()} + 1;
     std::int64_t magnitude = 0;
     for (; at != content.end && *at >= '0' && *at <= '9'; ++at)

@@ -27,7 +27,6 @@
 #include <algorithm>
 #include <bit>
 #include <cctype>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -43,7 +42,6 @@ namespace
 
 using bci::Signal;
 using bci::codec::Field;
-using bci::codec::Kind;
 
 struct Case
 {
@@ -168,42 +166,6 @@ const Signal& signalOf(const Case& theCase)
     throw std::runtime_error("no class " + theCase.className);
 }
 
-long long load(const Field& field, const char* structure)
-{
-    const auto number = [at = structure + field.offset](auto value)
-    {
-        std::memcpy(&value, at, sizeof value);
-        return static_cast<long long>(value);
-    };
-    switch (field.kind)
-    {
-    case Kind::u8:
-        return number(U8{});
-    case Kind::u16:
-        return number(U16{});
-    case Kind::s16:
-        return number(S16{});
-    case Kind::u32:
-        return number(U32{});
-    default:
-        return number(S32{});
-    }
-}
-
-void store(const Field& field, long long value, char* structure)
-{
-    const auto number = [to = structure + field.offset](auto typed) { std::memcpy(to, &typed, sizeof typed); };
-    switch (field.size)
-    {
-    case 1:
-        return number(static_cast<U8>(value));
-    case 2:
-        return number(static_cast<U16>(value));
-    default:
-        return number(static_cast<U32>(value));
-    }
-}
-
 class Golden : public testing::TestWithParam<Case>
 {
 protected:
@@ -229,7 +191,8 @@ protected:
         for (std::string word; in >> word;)
         {
             const std::size_t equals = word.find('=');
-            store(field(word.substr(0, equals)), std::stoll(word.substr(equals + 1)), structure.data());
+            bci::codec::storeNumber(field(word.substr(0, equals)), std::stoll(word.substr(equals + 1)),
+                                    structure.data());
         }
         m_message->setMsg(structure.data());
     }
@@ -252,7 +215,7 @@ protected:
         for (const Field& row : m_signal.shape->fields.rows)
         {
             text += (text.empty() ? "" : " ") + std::string(row.tag) + "=" +
-                    std::to_string(load(row, m_message->getMsg()));
+                    std::to_string(bci::codec::loadNumber(row, m_message->getMsg()));
         }
         return text;
     }

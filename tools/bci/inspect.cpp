@@ -50,22 +50,6 @@ Range range(Kind kind)
     return {0, 0};
 }
 
-// Puts a value into its place in the wire structure, in the host's byte order.
-void store(const Field& field, std::int64_t value, std::vector<char>& structure)
-{
-    char* const to = structure.data() + field.offset;
-    const auto put = [to](auto number) { std::memcpy(to, &number, sizeof number); };
-    switch (field.size)
-    {
-    case 1:
-        return put(static_cast<U8>(value));
-    case 2:
-        return put(static_cast<U16>(value));
-    default:
-        return put(static_cast<U32>(value));
-    }
-}
-
 class Walker
 {
 public:
@@ -229,7 +213,7 @@ private:
 
     void takeNumber(const Field& field, std::size_t position, std::int64_t number)
     {
-        store(field, number, m_record.structure);
+        codec::storeNumber(field, number, m_record.structure.data());
         add(field, position, std::to_string(number));
     }
 

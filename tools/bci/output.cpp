@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
-#include <vector>
+#include <string_view>
 
 namespace bci::tool
 {
