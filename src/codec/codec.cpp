@@ -53,46 +53,12 @@ unsigned int textLength(const char* text, unsigned int size)
     return static_cast<unsigned int>(strnlen(text, size));
 }
 
-// The name of a row's element.
-class ElementName
-{
-public:
-    ElementName(const char* tag, const Subscripts* subscripts) : m_name(tag)
-    {
-        const std::size_t length = std::strlen(tag);
-        if (subscripts == nullptr || tag[length - 1] != '_')
-        {
-            return;
-        }
-        if (tag[length - 2] == '_')
-        {
-            std::snprintf(m_indexed, sizeof m_indexed, "%.*s%u_%u", static_cast<int>(length - 1), tag,
-                          subscripts->first, subscripts->second);
-        }
-        else
-        {
-            std::snprintf(m_indexed, sizeof m_indexed, "%s%u", tag, subscripts->first);
-        }
-        m_name = m_indexed;
-    }
-
-    ElementName(const ElementName&) = delete;
-    ElementName& operator=(const ElementName&) = delete;
-
-    const char* text() const
-    {
-        return m_name;
-    }
-
-private:
-    char m_indexed[kMaxTagLength + 22]; // two indexes of at most ten digits, '_' and the zero
-    const char* m_name;
-};
-
 void put(ostream_text& stream, const char* text)
 {
     stream.put(text, static_cast<unsigned int>(std::strlen(text)));
 }
+
+} // namespace
 
 void putOpening(ostream_text& stream, const Field& field, const Subscripts* subscripts)
 {
@@ -110,15 +76,21 @@ void putClosing(ostream_text& stream, const Field& field, const Subscripts* subs
 }
 
 // The format is made here, so that the log receives the same format and argument for every message.
-void logMissing(const char* source, const Field& field, const char* name)
+void logMissing(const Fields& fields, const Field& field, const char* name, const char* document)
 {
+    const bool quotes = field.oddity == Oddity::quotesDocument;
     char format[80];
-    std::snprintf(format, sizeof format, "[src/%s:%u] %s %%s not found", source, unsigned{field.line},
-                  field.oddity == Oddity::doubledWord ? "tag tag" : "tag");
-    syslog(LOG_INFO, format, name);
+    std::snprintf(format, sizeof format, "[src/%s:%u] %s %%s not found%s", fields.source, unsigned{field.line},
+                  field.oddity == Oddity::doubledWord ? "tag tag" : "tag", quotes ? " buf %s" : "");
+    if (quotes)
+    {
+        syslog(LOG_INFO, format, name, document);
+    }
+    else
+    {
+        syslog(LOG_INFO, format, name);
+    }
 }
-
-} // namespace
 
 bool writeText(const Fields& fields, const void* structure, ostream_text& stream)
 {
@@ -192,7 +164,7 @@ bool readXml(const Fields& fields, void* structure, istream_text& stream, const 
         TagContent content;
         if (findTag(stream.getBuffer(), name.text(), content) == nullptr)
         {
-            logMissing(fields.source, field, name.text());
+            logMissing(fields, field, name.text(), stream.getBuffer());
             return false;
         }
         visit(

@@ -7,20 +7,12 @@
 #ifndef BCI_CODEC_CODEC_H
 #define BCI_CODEC_CODEC_H
 
+#include "elementName.h"
 #include "field.h"
 #include "stream.h"
 
 namespace bci::codec
 {
-
-// Indexes of an array element in XML names. A tag that ends in one underscore receives the first index
-// behind it; one that ends in two receives the first between them and the second at its end; any other
-// receives none.
-struct Subscripts
-{
-    unsigned int first;
-    unsigned int second;
-};
 
 // Every field as a decimal number or its characters up to the first zero, each followed by ':'.
 bool writeText(const Fields& fields, const void* structure, commonStream::ostream_text& stream);
@@ -42,6 +34,13 @@ bool writeXml(const Fields& fields, const void* structure, commonStream::ostream
 // first element that is missing, and stops there. The stream itself is not read.
 bool readXml(const Fields& fields, void* structure, commonStream::istream_text& stream,
              const Subscripts* subscripts = nullptr);
+
+// What stands around a value in XML, for messages that write it themselves.
+void putOpening(commonStream::ostream_text& stream, const Field& field, const Subscripts* subscripts);
+void putClosing(commonStream::ostream_text& stream, const Field& field, const Subscripts* subscripts);
+
+// The log line of a missing element, for messages that look it up themselves.
+void logMissing(const Fields& fields, const Field& field, const char* name, const char* document);
 
 } // namespace bci::codec
 

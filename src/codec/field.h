@@ -30,6 +30,8 @@ enum class Oddity : U8
     none,
     // The log line of the missing element says "tag tag".
     doubledWord,
+    // The log line of the missing element goes on with the whole document.
+    quotesDocument,
     // The XML element starts without its tab, and three blanks stand before its value.
     bareOpening,
     // The XML reader passes the field over.
@@ -111,6 +113,13 @@ consteval Field closedBy(Field field, const char* closingTag)
 // BCI_FIELD(structure, member, tag, line [, oddity])
 #define BCI_FIELD(structure, member, ...)                                                                         \
     ::bci::codec::makeField<decltype(structure::member)>(offsetof(structure, member), __VA_ARGS__)
+
+// BCI_HEADER(structure, line): the fields that every signal begins with. Their log lines are always seven
+// lines apart.
+#define BCI_HEADER(structure, line)                                                                               \
+    BCI_FIELD(structure, sigNo, "sigNo", line),                                                                   \
+        BCI_FIELD(structure, addressInfo.clientRef, "clientRef", (line) + 7),                                     \
+        BCI_FIELD(structure, addressInfo.serverRef, "serverRef", (line) + 14)
 
 // Bytes that fields take in the binary form.
 constexpr unsigned int binarySize(std::span<const Field> rows)

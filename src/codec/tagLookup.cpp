@@ -63,6 +63,11 @@ TagContent withoutLayout(const char* begin, const char* end)
 
 const char* findTag(const char* document, const char* tag, TagContent& content)
 {
+    return findTag(document, tag, tag, content);
+}
+
+const char* findTag(const char* document, const char* tag, const char* closingTag, TagContent& content)
+{
     if (document == nullptr || *tag == '\0')
     {
         return nullptr;
@@ -73,7 +78,7 @@ const char* findTag(const char* document, const char* tag, TagContent& content)
     {
         return nullptr;
     }
-    const char* const end = findBracketed(begin, "</", tag, behind);
+    const char* const end = findBracketed(begin, "</", closingTag, behind);
     if (end == nullptr)
     {
         return nullptr;

@@ -21,9 +21,11 @@ struct TagContent
     }
 };
 
-// Finds the first element of a name. Returns the end of its closing tag, or null if there is no such
-// element. Null documents hold nothing, empty names are never found.
+// Finds the first element of a name, or, with a closing tag of another name, the first that such a tag
+// closes. Returns the end of its closing tag, or null if there is no such element. Null documents hold
+// nothing, empty names are never found.
 const char* findTag(const char* document, const char* tag, TagContent& content);
+const char* findTag(const char* document, const char* tag, const char* closingTag, TagContent& content);
 
 // Converts like the target's atoi: white space, one sign, digits up to the first other character, cut to
 // the range of 32 bits. No digits give 0.

@@ -10,7 +10,9 @@ fail() {
 }
 
 exported=$("$nm" --dynamic --defined-only --demangle "$library" | cut -d' ' -f3-)
-public='(commonStream|MessageBase|BciMessageBase|BciAuditCfm|BciMsgRegistry)'
+headers=$(dirname "$0")/../../h
+classes=$(sed -n 's/^class BCI_API \([A-Za-z]*\).*/\1/p' "$headers"/message.h "$headers"/bci*.h)
+public="(commonStream|$(paste -sd'|' <<<"$classes"))"
 others=$(grep -vE "^((vtable|VTT) for |construction vtable for |(non-)?virtual thunk to )?$public(::|$|-in-)" \
     <<<"$exported" | grep -vE '^(getTagContents|insertArraySubscripts)\(' || true)
 [ -z "$others" ] || fail "exported, but not public:"$'\n'"$others"
@@ -32,8 +34,16 @@ MessageBase::DELIM
 BciMessageBase::s_bciRegistrationMap
 BciMessageBase::instantiateBciMsgFromText(
 BciMsgRegistry::registerSupportedMsgClasses()
-BciAuditCfm::instantiateBciMsg(
 END
+
+# The 27 message classes: from outside, a factory and a virtual table each.
+messages=$(grep -v -e Base -e Registry <<<"$classes")
+[ "$(wc -l <<<"$messages")" -eq 27 ] || fail "message classes:"$'\n'"$messages"
+for class in $messages; do
+    for name in "$class::instantiateBciMsg(" "$class::$class(" "vtable for $class"; do
+        grep -qF -- "$name" <<<"$exported" || fail "not exported: $name"
+    done
+done
 
 # Offset, no type information, and the two slots of a virtual destructor: a stream has nothing else virtual.
 word=$("$readelf" --file-header "$library" | awk '$1 == "Class:" { print $2 == "ELF64" ? 8 : 4 }')

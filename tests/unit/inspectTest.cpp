@@ -35,7 +35,7 @@ constexpr Field kRows[] = {
     BCI_FIELD(SampleS, half, "half", 3), BCI_FIELD(SampleS, signedHalf, "signedHalf", 4),
     BCI_FIELD(SampleS, byte, "byte", 5), BCI_FIELD(SampleS, name, "name", 6),
 };
-constexpr Shape kShape = {"Sample", "SampleS", sizeof(SampleS), {"sampleMsg", kRows}};
+constexpr Shape kShape = {"Sample", "SampleS", sizeof(SampleS), {kRows}};
 constexpr Signal kSignal = {1, "SAMPLE", &kShape};
 
 Rendering rendering(Form form, const std::string& bytes)
@@ -48,7 +48,7 @@ std::string walked(const Record& record)
     std::string text;
     for (const FieldValue& value : record.fields)
     {
-        text += std::to_string(value.position) + " " + value.field->tag + "=" + value.value + "\n";
+        text += std::to_string(value.position) + " " + value.name + "=" + value.value + "\n";
     }
     return text;
 }

@@ -136,27 +136,6 @@ bool isAnyForm(Rendering& rendering)
     return isBinary(rendering) || isText(rendering) || isXml(rendering);
 }
 
-// On one line and without control characters.
-std::string escaped(std::string_view text)
-{
-    std::string result;
-    for (const char ch : text)
-    {
-        const auto byte = static_cast<unsigned char>(ch);
-        if (byte < ' ' || byte == 0x7F)
-        {
-            std::array<char, 8> code;
-            std::snprintf(code.data(), code.size(), "\\x%02X", unsigned{byte});
-            result += code.data();
-        }
-        else
-        {
-            result += ch;
-        }
-    }
-    return result;
-}
-
 // Line and column, both from 1, the column in bytes.
 std::string lineAndColumn(std::string_view bytes, std::size_t position)
 {
@@ -188,6 +167,26 @@ Damage::Damage(const Rendering& rendering, std::size_t position, const std::stri
 std::string displayName(const std::string& fileName)
 {
     return fileName == "-" ? "<stdin>" : escaped(fileName);
+}
+
+std::string escaped(std::string_view text)
+{
+    std::string result;
+    for (const char ch : text)
+    {
+        const auto byte = static_cast<unsigned char>(ch);
+        if (byte < ' ' || byte == 0x7F)
+        {
+            std::array<char, 8> code;
+            std::snprintf(code.data(), code.size(), "\\x%02X", unsigned{byte});
+            result += code.data();
+        }
+        else
+        {
+            result += ch;
+        }
+    }
+    return result;
 }
 
 std::string quote(std::string_view piece)

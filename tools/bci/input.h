@@ -49,6 +49,9 @@ struct Trouble : std::runtime_error
 // What the user knows an input by: its name, or "<stdin>" for "-".
 std::string displayName(const std::string& fileName);
 
+// On one line and without control characters.
+std::string escaped(std::string_view text);
+
 // A piece of input for a message: in quotes, cut if it is long, on one line and without control characters.
 std::string quote(std::string_view piece);
 

@@ -2,12 +2,14 @@
 
 #include "codec/tagLookup.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
-#include <cstring>
 #include <limits>
+#include <map>
 #include <string_view>
+#include <utility>
 
 namespace bci::tool
 {
@@ -17,6 +19,7 @@ namespace
 
 using codec::Field;
 using codec::Kind;
+using codec::Subscripts;
 
 struct Range
 {
@@ -50,143 +53,315 @@ Range range(Kind kind)
     return {0, 0};
 }
 
-class Walker
+// Reads a rendering into the structure as walk() asks for one field after another.
+class Reader : public codec::Visitor
 {
 public:
-    explicit Walker(const Rendering& rendering) : m_rendering(rendering)
+    explicit Reader(const Rendering& rendering) : m_rendering(rendering)
     {
         m_record.structure.resize(rendering.signal->shape->structureSize);
     }
 
-    Record walk()
+    Record read()
     {
-        for (const Field& field : m_rendering.signal->shape->fields.rows)
-        {
-            switch (m_rendering.form)
-            {
-            case Form::text:
-                readText(field);
-                break;
-            case Form::binary:
-                readBinary(field);
-                break;
-            case Form::xml:
-                readXml(field);
-                break;
-            }
-            m_last = &field;
-        }
+        walk(*m_rendering.signal->shape, m_record.structure.data(), *this);
         if (m_rendering.form != Form::xml)
         {
             expectEnd();
         }
-        return m_record;
+        return std::move(m_record);
+    }
+
+    void field(const Field& field, char* base, const Subscripts* subscripts) override
+    {
+        begin(codec::ElementName(field.tag, subscripts).text());
+        if (m_rendering.form == Form::binary)
+        {
+            takeBytes(field, base, next(field.size));
+        }
+        else if (m_rendering.form == Form::text)
+        {
+            takeCharacters(field, base, toDelimiter());
+        }
+        else
+        {
+            takeCharacters(field, base, elementContent(field));
+        }
+        m_places[&field] = {m_name, m_valueAt};
+    }
+
+    void entry(const Field& entry, char* base, const Subscripts& subscripts) override
+    {
+        if (m_rendering.form != Form::binary)
+        {
+            field(entry, base, &subscripts);
+            return;
+        }
+        // The array has been read as a whole.
+        begin(codec::ElementName(entry.tag, &subscripts).text());
+        const std::string_view rest(base + entry.offset, entry.size);
+        const std::size_t length = rest.find('\0');
+        m_valueAt = m_position - entry.size;
+        if (length == std::string_view::npos)
+        {
+            damage("no zero byte ends this entry");
+        }
+        add(Kind::text, rest.substr(0, length));
+    }
+
+    void block(const Field& block, char* base) override
+    {
+        begin(block.tag);
+        std::string_view bytes;
+        switch (m_rendering.form)
+        {
+        case Form::binary:
+            bytes = next(block.size);
+            break;
+        case Form::text:
+            bytes = next(block.size);
+            if (m_rendering.bytes.substr(m_position, 1) != ":")
+            {
+                m_valueAt = m_position;
+                damage("no ':' behind the " + std::to_string(block.size) + " bytes of the block");
+            }
+            ++m_position;
+            break;
+        case Form::xml:
+            bytes = elementContent(block);
+            if (bytes.size() != block.size)
+            {
+                damage(std::to_string(bytes.size()) + " bytes, where " + std::to_string(block.size) +
+                       " are announced");
+            }
+            break;
+        }
+        std::copy(bytes.begin(), bytes.end(), base + block.offset);
+        m_record.fields.push_back({m_name, Kind::text, true, m_valueAt, std::string(bytes)});
+    }
+
+    void beginList(const codec::List& list, std::int64_t count, char* /*base*/) override
+    {
+        expectAtMost(*list.count, count, list.bound);
+        // The writers put it, the readers do not want it; here either will do.
+        if (m_rendering.form == Form::text && list.delimiterWhenEmpty && count == 0 &&
+            m_rendering.bytes.substr(m_position, 1) == ":")
+        {
+            ++m_position;
+        }
+    }
+
+    void endList(const codec::List& list, std::int64_t count, char* /*base*/) override
+    {
+        if (m_rendering.form == Form::binary && list.wholeInBinary)
+        {
+            skip((list.bound - static_cast<std::size_t>(count)) * list.stride);
+        }
+    }
+
+    void beginChoice(const codec::Choice& choice, const codec::Case* chosen, char* base) override
+    {
+        if (chosen == nullptr)
+        {
+            std::string known;
+            for (const codec::Case& one : choice.cases)
+            {
+                known += (known.empty() ? "" : ", ") + std::to_string(one.value);
+            }
+            returnTo(*choice.selector);
+            damage(std::to_string(codec::loadNumber(*choice.selector, base)) + " is none of " + known);
+        }
+        m_choiceEnd = m_position + choice.size;
+    }
+
+    void endChoice(const codec::Choice& /*choice*/, char* /*base*/) override
+    {
+        if (m_rendering.form == Form::binary)
+        {
+            skip(m_choiceEnd - m_position);
+        }
+    }
+
+    void beginEntries(const codec::LogEntries& entries, std::int64_t /*count*/, char* base) override
+    {
+        if (m_rendering.form == Form::binary)
+        {
+            begin(entries.array->tag);
+            const std::string_view bytes = next(entries.array->size);
+            std::copy(bytes.begin(), bytes.end(), base + entries.array->offset);
+        }
+    }
+
+    void endEntries(const codec::LogEntries& entries, std::int64_t count, std::int64_t written,
+                    char* /*base*/) override
+    {
+        expectAtMost(*entries.count, count, written);
+    }
+
+    void beginBlock(const codec::Block& block, std::int64_t length, char* /*base*/) override
+    {
+        expectAtMost(*block.length, length, block.bound);
+    }
+
+    void limit(const codec::Limit& limit, char* base) override
+    {
+        expectAtMost(*limit.field, codec::loadNumber(*limit.field, base), limit.bound);
     }
 
 private:
-    [[noreturn]] void damage(const Field& field, std::size_t position, const std::string& what) const
+    [[noreturn]] void damage(const std::string& what) const
     {
-        throw Damage(m_rendering, position, field.tag, what);
+        throw Damage(m_rendering, m_valueAt, m_name, what);
     }
 
-    void readText(const Field& field)
+    // The field that damage is reported for from now on, and where.
+    void begin(const std::string& name)
+    {
+        m_name = name;
+        m_valueAt = m_position;
+    }
+
+    // Damage shows in a field that has been read.
+    void returnTo(const Field& field)
+    {
+        const Place& place = m_places[&field];
+        m_name = place.name;
+        m_valueAt = place.position;
+    }
+
+    void expectAtMost(const Field& field, std::int64_t number, std::int64_t bound)
+    {
+        if (number > bound)
+        {
+            returnTo(field);
+            damage(std::to_string(number) + " is more than the " + std::to_string(bound) +
+                   " that there is room for");
+        }
+    }
+
+    // The bytes from here on, which are consumed.
+    std::string_view next(std::size_t count)
+    {
+        const std::string_view rest = std::string_view(m_rendering.bytes).substr(m_position);
+        if (rest.size() < count)
+        {
+            damage("the input ends within this field, after " + std::to_string(rest.size()) + " of " +
+                   std::to_string(count) + " bytes");
+        }
+        m_position += count;
+        return rest.substr(0, count);
+    }
+
+    // Passes over bytes that hold nothing.
+    void skip(std::size_t count)
+    {
+        const std::size_t left = m_rendering.bytes.size() - m_position;
+        if (left < count)
+        {
+            m_valueAt = m_rendering.bytes.size();
+            damage("the input ends after " + std::to_string(left) + " of the " + std::to_string(count) +
+                   " bytes that follow this field");
+        }
+        m_position += count;
+    }
+
+    // The characters up to the next delimiter, which are consumed with it.
+    std::string_view toDelimiter()
     {
         const std::string_view rest = std::string_view(m_rendering.bytes).substr(m_position);
         const std::size_t length = rest.find(':');
         if (length == std::string_view::npos)
         {
-            damage(field, m_rendering.bytes.size(), "the input ends before the ':' behind this field");
+            m_valueAt = m_rendering.bytes.size();
+            damage("the input ends before the ':' behind this field");
         }
-        takeCharacters(field, m_position, rest.substr(0, length));
         m_position += length + 1;
+        return rest.substr(0, length);
     }
 
-    void readBinary(const Field& field)
+    std::string_view elementContent(const Field& field)
     {
-        const std::string_view rest = std::string_view(m_rendering.bytes).substr(m_position);
-        if (rest.size() < field.size)
-        {
-            damage(field, m_position,
-                   "the input ends within this field, after " + std::to_string(rest.size()) + " of " +
-                       std::to_string(field.size) + " bytes");
-        }
-        const std::string_view bytes = rest.substr(0, field.size);
-        if (field.kind == Kind::text)
-        {
-            std::memcpy(m_record.structure.data() + field.offset, bytes.data(), bytes.size());
-            add(field, m_position, std::string(bytes.substr(0, bytes.find('\0'))));
-        }
-        else
-        {
-            takeNumber(field, m_position, binaryNumber(field, bytes));
-        }
-        m_position += field.size;
-    }
-
-    void readXml(const Field& field)
-    {
+        const char* const document = m_rendering.bytes.c_str();
+        // What earlier elements of a list found under the same name is theirs.
+        const char*& from = m_readUpTo.try_emplace(m_name, document).first->second;
         codec::TagContent content;
-        if (codec::findTag(m_rendering.bytes.c_str(), field.tag, content) == nullptr)
+        const char* end = codec::findTag(from, m_name.c_str(), content);
+        if (end == nullptr && field.closingTag != field.tag)
         {
-            missingElement(field);
+            end = codec::findTag(from, m_name.c_str(), field.closingTag, content);
         }
-        takeCharacters(field, static_cast<std::size_t>(content.begin - m_rendering.bytes.c_str()),
-                       {content.begin, content.size()});
+        if (end == nullptr)
+        {
+            missingElement();
+        }
+        from = end;
+        // That element has one blank more before its value.
+        content.begin +=
+            field.oddity == codec::Oddity::bareOpening && content.begin != content.end && *content.begin == ' ';
+        m_valueAt = static_cast<std::size_t>(content.begin - document);
+        return {content.begin, content.size()};
     }
 
-    [[noreturn]] void missingElement(const Field& field) const
+    [[noreturn]] void missingElement()
     {
         const std::string_view document = m_rendering.bytes.c_str();
-        const std::size_t opening = document.find("<" + std::string(field.tag) + ">");
+        const std::size_t opening = document.find(
+            "<" + m_name + ">", static_cast<std::size_t>(m_readUpTo[m_name] - m_rendering.bytes.c_str()));
         if (opening != std::string_view::npos)
         {
-            damage(field, opening, "this element is not closed");
+            m_valueAt = opening;
+            damage("this element is not closed");
         }
-        damage(field, document.size(),
-               document.size() == m_rendering.bytes.size() ? "no such element"
+        m_valueAt = document.size();
+        damage(document.size() == m_rendering.bytes.size() ? "no such element"
                                                            : "no such element before the zero byte here");
     }
 
-    void takeCharacters(const Field& field, std::size_t position, std::string_view characters)
+    void takeBytes(const Field& field, char* base, std::string_view bytes)
     {
         if (field.kind == Kind::text)
         {
-            takeText(field, position, characters);
+            std::copy(bytes.begin(), bytes.end(), base + field.offset);
+            add(field.kind, bytes.substr(0, bytes.find('\0')));
         }
         else
         {
-            takeNumber(field, position, decimalNumber(field, position, characters));
+            takeNumber(field, base, binaryNumber(field, bytes));
         }
     }
 
-    void takeText(const Field& field, std::size_t position, std::string_view text)
+    void takeCharacters(const Field& field, char* base, std::string_view characters)
     {
-        if (text.size() >= field.size)
+        if (field.kind != Kind::text)
         {
-            damage(field, position + field.size - 1,
-                   "more than the " + std::to_string(field.size - 1) + " characters that fit");
+            takeNumber(field, base, decimalNumber(field, characters));
+            return;
         }
-        std::memcpy(m_record.structure.data() + field.offset, text.data(), text.size());
-        add(field, position, std::string(text));
+        if (characters.size() >= field.size)
+        {
+            m_valueAt += field.size - 1U;
+            damage("more than the " + std::to_string(field.size - 1) + " characters that fit");
+        }
+        std::copy(characters.begin(), characters.end(), base + field.offset);
+        add(field.kind, characters);
     }
 
-    std::int64_t decimalNumber(const Field& field, std::size_t position, std::string_view characters) const
+    std::int64_t decimalNumber(const Field& field, std::string_view characters)
     {
         std::int64_t number = 0;
         const char* const end = characters.data() + characters.size();
         const auto [stop, error] = std::from_chars(characters.data(), end, number);
         if (error == std::errc::invalid_argument || stop != end)
         {
-            const std::size_t good =
+            m_valueAt +=
                 error == std::errc::invalid_argument ? 0 : static_cast<std::size_t>(stop - characters.data());
-            damage(field, position + good, "not a decimal number: " + quote(characters));
+            damage("not a decimal number: " + quote(characters));
         }
         const Range fits = range(field.kind);
         if (error == std::errc::result_out_of_range || number < fits.least || number > fits.greatest)
         {
-            damage(field, position,
-                   quote(characters) + " is not within " + std::to_string(fits.least) + " ... " +
-                       std::to_string(fits.greatest));
+            damage(quote(characters) + " is not within " + std::to_string(fits.least) + " ... " +
+                   std::to_string(fits.greatest));
         }
         return number;
     }
@@ -194,7 +369,7 @@ private:
     // Most significant byte first, but for the first word of what a little-endian host wrote.
     std::int64_t binaryNumber(const Field& field, std::string_view bytes) const
     {
-        const bool reversed = m_position == 0 && m_rendering.firstWord == std::endian::little;
+        const bool reversed = m_valueAt == 0 && m_rendering.firstWord == std::endian::little;
         std::uint64_t bits = 0;
         for (std::size_t i = 0; i < bytes.size(); ++i)
         {
@@ -211,19 +386,19 @@ private:
         }
     }
 
-    void takeNumber(const Field& field, std::size_t position, std::int64_t number)
+    void takeNumber(const Field& field, char* base, std::int64_t number)
     {
-        codec::storeNumber(field, number, m_record.structure.data());
-        add(field, position, std::to_string(number));
+        codec::storeNumber(field, number, base);
+        add(field.kind, std::to_string(number));
     }
 
-    void add(const Field& field, std::size_t position, std::string value)
+    void add(Kind kind, std::string_view value)
     {
-        m_record.fields.push_back({&field, position, std::move(value)});
+        m_record.fields.push_back({m_name, kind, false, m_valueAt, std::string(value)});
     }
 
     // Zeros may follow, as in a buffer that is larger than its rendering, and behind text white space.
-    void expectEnd() const
+    void expectEnd()
     {
         std::string_view padding("\0\t\n\v\f\r ", 7);
         if (m_rendering.form == Form::binary)
@@ -233,21 +408,32 @@ private:
         const std::size_t extra = m_rendering.bytes.find_first_not_of(padding, m_position);
         if (extra != std::string::npos)
         {
-            damage(*m_last, extra, "more input behind this field, the last");
+            m_valueAt = extra;
+            damage("more input behind this field, the last");
         }
     }
 
+    struct Place
+    {
+        std::string name;
+        std::size_t position = 0;
+    };
+
     const Rendering& m_rendering;
     Record m_record;
-    std::size_t m_position = 0;
-    const Field* m_last = nullptr;
+    std::size_t m_position = 0;                    // behind what is read, in text and binary
+    std::size_t m_choiceEnd = 0;                   // where the bytes of a choice end, in binary
+    std::string m_name;                            // of the field that is being read
+    std::size_t m_valueAt = 0;                     // where its value begins
+    std::map<const Field*, Place> m_places;        // of the fields read, the last of each
+    std::map<std::string, const char*> m_readUpTo; // in XML, by name
 };
 
 } // namespace
 
 Record inspect(const Rendering& rendering)
 {
-    return Walker(rendering).walk();
+    return Reader(rendering).read();
 }
 
 const char* typeName(Kind kind)

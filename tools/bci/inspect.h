@@ -1,10 +1,12 @@
 // Walks a rendering by the shape of its signal.
 //
 // The codecs are lenient on purpose; this is strict about every field: a number that is none or out of its
-// range, a text that does not fit and a field that is missing are damage, told with position and field,
-// and in text and binary so is anything behind the last field. Of an XML document the signal's elements
-// are read, the first of each name, and nothing else is looked at. Values that the codecs lose (an unsigned
-// number above 2147483647 in XML, -2147483648 in text) are read as they stand.
+// range, a count above its bound, a text that does not fit and a field that is missing are damage, told with
+// position and field, and in text and binary so is anything behind the last field. Of an XML document the
+// signal's elements are read and nothing else is looked at: the first of each name, but where a list's
+// elements share a name, one after another. What the codecs lose comes through (an unsigned number above
+// 2147483647 in XML, -2147483648 in text, a ':' in a block, values shared by name in XML), and so does what
+// they stumble over (the ':' in the place of an empty list, the foreign closing tag).
 #ifndef BCI_TOOL_INSPECT_H
 #define BCI_TOOL_INSPECT_H
 
@@ -19,9 +21,11 @@ namespace bci::tool
 
 struct FieldValue
 {
-    const codec::Field* field;
+    std::string name; // of the XML element
+    codec::Kind kind;
+    bool raw;             // a block: bytes, not characters
     std::size_t position; // of the value in the rendering, in bytes
-    std::string value;    // as text
+    std::string value;    // as text; the bytes of a block as they are
 };
 
 struct Record

@@ -22,6 +22,19 @@ std::string columns(std::string_view position, std::string_view tag, std::string
     return padded(position, 8) + padded(tag, tagWidth) + padded(type, 4) + std::string(value) + "\n";
 }
 
+std::string hexDigits(std::string_view bytes)
+{
+    constexpr std::string_view kHexDigits = "0123456789abcdef";
+    std::string text;
+    for (const char ch : bytes)
+    {
+        const auto byte = static_cast<unsigned char>(ch);
+        text += kHexDigits[byte >> 4];
+        text += kHexDigits[byte & 0xF];
+    }
+    return text;
+}
+
 std::string hexNumber(SIGSELECT number)
 {
     char text[16];
@@ -45,13 +58,13 @@ std::string listing(const Rendering& rendering, const Record& record)
     std::size_t tagWidth = 0;
     for (const FieldValue& value : record.fields)
     {
-        tagWidth = std::max(tagWidth, std::string_view(value.field->tag).size());
+        tagWidth = std::max(tagWidth, value.name.size());
     }
     text += columns("position", "field", "type", "value", tagWidth);
     for (const FieldValue& value : record.fields)
     {
-        text += columns(std::to_string(value.position), value.field->tag, typeName(value.field->kind), value.value,
-                        tagWidth);
+        text += columns(std::to_string(value.position), value.name, value.raw ? "U8[]" : typeName(value.kind),
+                        value.raw ? hexDigits(value.value) : escaped(value.value), tagWidth);
     }
     return text;
 }
@@ -66,8 +79,8 @@ std::string render(const Record& record, const Signal& signal, Form form, std::e
     const std::unique_ptr<BciMessageBase> message(created);
     message->setMsg(record.structure.data());
 
-    // Room for the longest rendering of any signal.
-    std::string buffer(8192, '\0');
+    // Room for the longest rendering of any signal, the XML of a log of 424 empty entries.
+    std::string buffer(32768, '\0');
     unsigned int length = static_cast<unsigned int>(buffer.size());
     bool accepted = false;
     switch (form)
@@ -94,16 +107,13 @@ std::string render(const Record& record, const Signal& signal, Form form, std::e
     return buffer;
 }
 
-std::string toHex(const std::string& bytes)
+std::string toHex(std::string_view bytes)
 {
-    constexpr std::string_view kDigits = "0123456789abcdef";
     constexpr std::size_t kBytesPerLine = 16;
     std::string text;
     for (std::size_t i = 0; i < bytes.size(); ++i)
     {
-        const auto byte = static_cast<unsigned char>(bytes[i]);
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 0xF];
+        text += hexDigits(bytes.substr(i, 1));
         text += (i + 1) % kBytesPerLine == 0 || i + 1 == bytes.size() ? '\n' : ' ';
     }
     return text;

@@ -7,6 +7,7 @@
 
 #include <bit>
 #include <string>
+#include <string_view>
 
 namespace bci::tool
 {
@@ -18,7 +19,7 @@ std::string listing(const Rendering& rendering, const Record& record);
 std::string render(const Record& record, const Signal& signal, Form form, std::endian firstWord);
 
 // Two digits a byte, sixteen bytes a line.
-std::string toHex(const std::string& bytes);
+std::string toHex(std::string_view bytes);
 
 } // namespace bci::tool
 

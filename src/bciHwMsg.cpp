@@ -1,0 +1,358 @@
+#include "bciHwMsg.h"
+
+#include "codec/tagLookup.h"
+#include "messageOperations.h"
+#include "shapes.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <syslog.h>
+
+using bci::codec::Field;
+using bci::codec::Fields;
+using bci::codec::Oddity;
+using bci::codec::Subscripts;
+using commonStream::istream_binary;
+using commonStream::istream_text;
+using commonStream::ostream_binary;
+using commonStream::ostream_text;
+
+namespace
+{
+
+constexpr Field kGetHwPidCfmRows[] = {
+    BCI_HEADER(VornBcGetHwPidCfmS, 268),
+    BCI_FIELD(VornBcGetHwPidCfmS, productionDate, "productionDate", 289),
+    BCI_FIELD(VornBcGetHwPidCfmS, padding0, "padding0", 296),
+    BCI_FIELD(VornBcGetHwPidCfmS, padding1, "padding1", 303),
+    BCI_FIELD(VornBcGetHwPidCfmS, productName, "productName", 310),
+    BCI_FIELD(VornBcGetHwPidCfmS, padding2, "padding2", 317),
+    // The element starts without its tab, and has one blank more before its value.
+    BCI_FIELD(VornBcGetHwPidCfmS, padding3, "padding3", 324, Oddity::bareOpening),
+    BCI_FIELD(VornBcGetHwPidCfmS, productNumber, "productNumber", 331),
+    BCI_FIELD(VornBcGetHwPidCfmS, padding4, "padding4", 338),
+    BCI_FIELD(VornBcGetHwPidCfmS, padding5, "padding5", 345),
+    BCI_FIELD(VornBcGetHwPidCfmS, productRevision, "productRevision", 352),
+    BCI_FIELD(VornBcGetHwPidCfmS, padding6, "padding6", 359),
+    BCI_FIELD(VornBcGetHwPidCfmS, padding7, "padding7", 366),
+    // Written, but never looked up.
+    BCI_FIELD(VornBcGetHwPidCfmS, serialNumber, "serialNumber", 0, Oddity::notReadFromXml),
+};
+constexpr Fields kGetHwPidCfm = {"bciHwMsg", kGetHwPidCfmRows};
+static_assert(maxTextSize(kGetHwPidCfmRows) == 35 + 304);
+// getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
+static_assert(binarySize(kGetHwPidCfmRows) == 90);
+
+constexpr Field kHwLogGetReqRows[] = {
+    BCI_HEADER(VornBcHwLogGetReqS, 452),
+    BCI_FIELD(VornBcHwLogGetReqS, logId, "logId", 473),
+};
+constexpr Fields kHwLogGetReq = {"bciHwMsg", kHwLogGetReqRows};
+static_assert(maxTextSize(kHwLogGetReqRows) == 35 + 11);
+static_assert(binarySize(kHwLogGetReqRows) == sizeof(VornBcHwLogGetReqS));
+
+constexpr Field kHwLogSetReqRows[] = {
+    BCI_HEADER(VornBcHwLogSetReqS, 667),
+    BCI_FIELD(VornBcHwLogSetReqS, dateTime, "dateTime", 688),
+    BCI_FIELD(VornBcHwLogSetReqS, padding0, "padding0", 695),
+    BCI_FIELD(VornBcHwLogSetReqS, logId, "logId", 702),
+    BCI_FIELD(VornBcHwLogSetReqS, length, "length", 709),
+    BCI_FIELD(VornBcHwLogSetReqS, hwLogData, "hwLogData_", 720),
+};
+constexpr Fields kHwLogSetReq = {"bciHwMsg", kHwLogSetReqRows};
+static_assert(maxTextSize(kHwLogSetReqRows) == 35 + 1780);
+static_assert(binarySize(kHwLogSetReqRows) == sizeof(VornBcHwLogSetReqS));
+
+constexpr std::size_t kSetRowsBeforeEntries = 7;
+constexpr Fields kHwLogSetReqFixed = kHwLogSetReq.part(0, kSetRowsBeforeEntries);
+constexpr Field kLogEntries = kHwLogSetReqRows[kSetRowsBeforeEntries];
+constexpr unsigned int kLogSize = sizeof(VornBcHwLogSetReqS::hwLogData);
+constexpr unsigned int kFailBit = 2; // of a stream's status
+
+// Calls a function with each log entry, as a field of the message, and its index. An entry without a
+// terminator ends with the array, and no entry begins beyond it.
+template <typename Function>
+void forEachEntry(const VornBcHwLogSetReqS& message, Function function)
+{
+    const char* const data = reinterpret_cast<const char*>(message.hwLogData);
+    Field entry = kLogEntries;
+    unsigned int used = 0;
+    for (unsigned int i = 0; i < message.length && used < kLogSize; ++i)
+    {
+        entry.offset = static_cast<U16>(kLogEntries.offset + used);
+        entry.size = static_cast<U16>(kLogSize - used);
+        function(Fields{kHwLogSetReq.source, {&entry, 1}}, i);
+        used += static_cast<unsigned int>(strnlen(data + used, kLogSize - used)) + 1;
+    }
+}
+
+// The names that the XML reader looks entries up by. Each is the one before with the single character
+// behind the underscore replaced by the digits of the index. That is right up to hwLogData_10; from then on
+// the digits of earlier names stay behind: hwLogData_110, hwLogData_1210.
+class EntryName
+{
+public:
+    const char* next()
+    {
+        char digits[11];
+        const auto count = static_cast<std::size_t>(std::snprintf(digits, sizeof digits, "%u", m_index));
+        char* const place = m_name + kPlace;
+        const char* const rest = m_index == 0 ? place : place + 1;
+        std::memmove(place + count, rest, std::strlen(rest) + 1);
+        std::memcpy(place, digits, count);
+        ++m_index;
+        return m_name;
+    }
+
+private:
+    static constexpr std::size_t kPlace = 10;
+    unsigned int m_index = 0;
+    // Indexes end with the array, at 424: one digit more stays behind from each of 90 names, then two.
+    char m_name[kPlace + 1 + 90 + 2 * (kLogSize - 99) + 1] = "hwLogData_";
+};
+
+constexpr Field kHwLogGetCfmRows[] = {
+    BCI_HEADER(VornBcHwLogGetCfmS, 871),
+    BCI_FIELD(VornBcHwLogGetCfmS, length, "length", 892),
+    BCI_FIELD(VornBcHwLogGetCfmS, hwLogData, "hwLogData_0", 906),
+};
+constexpr Fields kHwLogGetCfm = {"bciHwMsg", kHwLogGetCfmRows};
+static_assert(maxTextSize(kHwLogGetCfmRows) == 35 + 1707);
+static_assert(binarySize(kHwLogGetCfmRows) == sizeof(VornBcHwLogGetCfmS));
+constexpr Fields kHwLogGetCfmFixed = kHwLogGetCfm.part(0, 4);
+constexpr Fields kHwLogGetCfmEntry = kHwLogGetCfm.part(4, 1);
+
+// For tools.
+constexpr bci::codec::LogEntries kHwLogSetReqEntries = {&kHwLogSetReqRows[6], &kHwLogSetReqRows[7]};
+constexpr bci::codec::Part kHwLogSetReqFurther[] = {&kHwLogSetReqEntries};
+constexpr bci::codec::Limit kHwLogGetCfmLength = {&kHwLogGetCfmRows[3], 1};
+constexpr bci::codec::Part kHwLogGetCfmFurther[] = {&kHwLogGetCfmLength, kHwLogGetCfmEntry.rows};
+
+} // namespace
+
+const bci::codec::Shape bci::kGetHwPidCfmShape = {
+    "BciGetHwPidCfmMsg", "VornBcGetHwPidCfmS", sizeof(VornBcGetHwPidCfmS), {kGetHwPidCfmRows}};
+
+BCI_DEFINE_CONSTRUCTOR(BciGetHwPidCfmMsg, m_getHwPidCfm)
+BCI_DEFINE_MESSAGE(BciGetHwPidCfmMsg, m_getHwPidCfm)
+BCI_DEFINE_WRITERS(BciGetHwPidCfmMsg, m_getHwPidCfm, kGetHwPidCfm)
+
+bool BciGetHwPidCfmMsg::deserializeBciMsgFromText(istream_text& stream)
+{
+    std::memset(&m_getHwPidCfm, 0, sizeof m_getHwPidCfm);
+    return readText(kGetHwPidCfm, &m_getHwPidCfm, stream);
+}
+
+bool BciGetHwPidCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
+{
+    std::memset(&m_getHwPidCfm, 0, sizeof m_getHwPidCfm);
+    return readBinary(kGetHwPidCfm, &m_getHwPidCfm, stream);
+}
+
+// Unlike the others, this reader clears nothing first.
+bool BciGetHwPidCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
+{
+    return readXml(kGetHwPidCfm, &m_getHwPidCfm, stream);
+}
+
+unsigned int BciGetHwPidCfmMsg::getMaxTextBufferSize()
+{
+    return BciMessageBase::getMaxTextBufferSize() + 304;
+}
+
+const bci::codec::Shape bci::kHwLogGetReqShape = {
+    "BciHwLogGetReqMsg", "VornBcHwLogGetReqS", sizeof(VornBcHwLogGetReqS), {kHwLogGetReqRows}};
+
+BCI_DEFINE_CONSTRUCTOR(BciHwLogGetReqMsg, m_hwLogGetReq)
+BCI_DEFINE_MESSAGE(BciHwLogGetReqMsg, m_hwLogGetReq)
+BCI_DEFINE_CODECS(BciHwLogGetReqMsg, m_hwLogGetReq, kHwLogGetReq)
+
+unsigned int BciHwLogGetReqMsg::getMaxTextBufferSize()
+{
+    return BciMessageBase::getMaxTextBufferSize() + 11;
+}
+
+const bci::codec::Shape bci::kHwLogSetReqShape = {"BciHwLogSetReqMsg",
+                                                  "VornBcHwLogSetReqS",
+                                                  sizeof(VornBcHwLogSetReqS),
+                                                  {kHwLogSetReqFixed.rows, kHwLogSetReqFurther}};
+
+BCI_DEFINE_CONSTRUCTOR(BciHwLogSetReqMsg, m_hwLogSetReq)
+BCI_DEFINE_MESSAGE(BciHwLogSetReqMsg, m_hwLogSetReq)
+
+bool BciHwLogSetReqMsg::serializeBciMsgToText(ostream_text& stream) const
+{
+    writeText(kHwLogSetReqFixed, &m_hwLogSetReq, stream);
+    forEachEntry(m_hwLogSetReq,
+                 [&](const Fields& entry, unsigned int /*index*/) { writeText(entry, &m_hwLogSetReq, stream); });
+    return !stream.fail();
+}
+
+bool BciHwLogSetReqMsg::serializeBciMsgToBinary(ostream_binary& stream) const
+{
+    return writeBinary(kHwLogSetReq, &m_hwLogSetReq, stream);
+}
+
+bool BciHwLogSetReqMsg::serializeBciMsgToXml(ostream_text& stream) const
+{
+    writeXml(kHwLogSetReqFixed, &m_hwLogSetReq, stream);
+    forEachEntry(m_hwLogSetReq,
+                 [&](const Fields& entry, unsigned int index)
+                 {
+                     const Subscripts subscripts = {index, 0};
+                     writeXml(entry, &m_hwLogSetReq, stream, &subscripts);
+                 });
+    return !stream.fail();
+}
+
+bool BciHwLogSetReqMsg::deserializeBciMsgFromText(istream_text& stream)
+{
+    readText(kHwLogSetReqFixed, &m_hwLogSetReq, stream);
+    // Reading leaves it alone once the stream is not good, so the last entry is stored again and again until
+    // the array is full.
+    char entry[kLogSize + 1] = "";
+    char delimiter;
+    unsigned int used = 0;
+    for (unsigned int i = 0; i < m_hwLogSetReq.length; ++i)
+    {
+        stream.get(entry, kLogSize, getDelim());
+        const auto length = static_cast<unsigned int>(std::strlen(entry));
+        if (length + used + 1 > kLogSize)
+        {
+            syslog(LOG_INFO,
+                   "[src/bciHwMsg:622] logIdx %d logDataIdx: %u log length: %u, buffer limit: %u exceeded",
+                   static_cast<int>(i), used, length, kLogSize);
+            return false;
+        }
+        std::memcpy(m_hwLogSetReq.hwLogData + used, entry, length + 1);
+        used += length + 1;
+        stream >> delimiter;
+    }
+    // One character more is wanted behind the last delimiter, and here the real status counts: a text that
+    // ends with its last delimiter is not read.
+    stream >> delimiter;
+    return (stream.status() & kFailBit) == 0;
+}
+
+bool BciHwLogSetReqMsg::deserializeBciMsgFromBinary(istream_binary& stream)
+{
+    return readBinary(kHwLogSetReq, &m_hwLogSetReq, stream);
+}
+
+bool BciHwLogSetReqMsg::deserializeBciMsgFromXml(istream_text& stream)
+{
+    if (!readXml(kHwLogSetReqFixed, &m_hwLogSetReq, stream))
+    {
+        return false;
+    }
+    EntryName names;
+    unsigned int used = 0;
+    for (unsigned int i = 0; i < m_hwLogSetReq.length; ++i)
+    {
+        const char* const name = names.next();
+        bci::codec::TagContent content;
+        if (bci::codec::findTag(stream.getBuffer(), name, content) == nullptr)
+        {
+            logMissing(kHwLogSetReq, kLogEntries, name, stream.getBuffer());
+            return false;
+        }
+        const auto length = static_cast<unsigned int>(content.size());
+        if (length + used + 1 > kLogSize)
+        {
+            syslog(LOG_INFO,
+                   "[src/bciHwMsg:726] %s %d at logIdx %d logDataIdx: %u log length: %u buffer limit: %u exceeded",
+                   "deserializeBciMsgFromXml", 726, static_cast<int>(i), used, length, kLogSize);
+            return false;
+        }
+        char* const data = reinterpret_cast<char*>(m_hwLogSetReq.hwLogData);
+        copyContent(content, data + used, kLogSize - used);
+        used += length + 1;
+    }
+    return true;
+}
+
+unsigned int BciHwLogSetReqMsg::getMaxTextBufferSize()
+{
+    return BciMessageBase::getMaxTextBufferSize() + 1780;
+}
+
+const bci::codec::Shape bci::kHwLogGetCfmShape = {"BciHwLogGetCfmMsg",
+                                                  "VornBcHwLogGetCfmS",
+                                                  sizeof(VornBcHwLogGetCfmS),
+                                                  {kHwLogGetCfmFixed.rows, kHwLogGetCfmFurther}};
+
+BCI_DEFINE_CONSTRUCTOR(BciHwLogGetCfmMsg, m_hwLogGetCfm)
+BCI_DEFINE_MESSAGE(BciHwLogGetCfmMsg, m_hwLogGetCfm)
+
+bool BciHwLogGetCfmMsg::serializeBciMsgToText(ostream_text& stream) const
+{
+    if (m_hwLogGetCfm.length >= 2)
+    {
+        syslog(LOG_INFO, "[src/bciHwMsg:744] length %u > 1", static_cast<unsigned int>(m_hwLogGetCfm.length));
+        return false;
+    }
+    return writeText(kHwLogGetCfm, &m_hwLogGetCfm, stream);
+}
+
+// Alone of the six, this one takes any length.
+bool BciHwLogGetCfmMsg::serializeBciMsgToBinary(ostream_binary& stream) const
+{
+    return writeBinary(kHwLogGetCfm, &m_hwLogGetCfm, stream);
+}
+
+bool BciHwLogGetCfmMsg::serializeBciMsgToXml(ostream_text& stream) const
+{
+    if (m_hwLogGetCfm.length >= 2)
+    {
+        syslog(LOG_INFO, "[src/bciHwMsg:780] length %u > 1", static_cast<unsigned int>(m_hwLogGetCfm.length));
+        return false;
+    }
+    return writeXml(kHwLogGetCfm, &m_hwLogGetCfm, stream);
+}
+
+// The readers' log lines name the size of the array, though what they test is the length against 1.
+
+bool BciHwLogGetCfmMsg::deserializeBciMsgFromText(istream_text& stream)
+{
+    readText(kHwLogGetCfmFixed, &m_hwLogGetCfm, stream);
+    if (m_hwLogGetCfm.length >= 2)
+    {
+        syslog(LOG_INFO, "[src/bciHwMsg:832] length %u > %u", static_cast<unsigned int>(m_hwLogGetCfm.length),
+               kLogSize);
+        return false;
+    }
+    return readText(kHwLogGetCfmEntry, &m_hwLogGetCfm, stream);
+}
+
+bool BciHwLogGetCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
+{
+    readBinary(kHwLogGetCfmFixed, &m_hwLogGetCfm, stream);
+    if (m_hwLogGetCfm.length >= 2)
+    {
+        syslog(LOG_INFO, "[src/bciHwMsg:853] length %u > %u", static_cast<unsigned int>(m_hwLogGetCfm.length),
+               kLogSize);
+        return false;
+    }
+    return readBinary(kHwLogGetCfmEntry, &m_hwLogGetCfm, stream);
+}
+
+bool BciHwLogGetCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
+{
+    if (!readXml(kHwLogGetCfmFixed, &m_hwLogGetCfm, stream))
+    {
+        return false;
+    }
+    if (m_hwLogGetCfm.length >= 2)
+    {
+        syslog(LOG_INFO, "[src/bciHwMsg:899] length %u > %u", static_cast<unsigned int>(m_hwLogGetCfm.length),
+               kLogSize);
+        return false;
+    }
+    return readXml(kHwLogGetCfmEntry, &m_hwLogGetCfm, stream);
+}
+
+unsigned int BciHwLogGetCfmMsg::getMaxTextBufferSize()
+{
+    return BciMessageBase::getMaxTextBufferSize() + 1707;
+}

@@ -1,0 +1,266 @@
+#include "bciLoadLmcMsg.h"
+
+#include "codec/tagLookup.h"
+#include "messageOperations.h"
+#include "shapes.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <syslog.h>
+
+using bci::codec::Field;
+using bci::codec::Fields;
+using commonStream::istream_binary;
+using commonStream::istream_text;
+using commonStream::ostream_binary;
+using commonStream::ostream_text;
+
+namespace
+{
+
+constexpr Field kLoadLmcReqRows[] = {
+    BCI_HEADER(VornBcLoadLmcReqS, 115),
+    BCI_FIELD(VornBcLoadLmcReqS, loadModule, "loadModule", 136),
+    BCI_FIELD(VornBcLoadLmcReqS, searchPath, "searchPath", 143),
+};
+constexpr Fields kLoadLmcReq = {"bciLoadLmcMsg", kLoadLmcReqRows};
+static_assert(maxTextSize(kLoadLmcReqRows) == 35 + 944);
+static_assert(binarySize(kLoadLmcReqRows) == sizeof(VornBcLoadLmcReqS));
+
+constexpr Field kLoadLmcAckRows[] = {
+    BCI_HEADER(VornBcLoadLmcAckS, 225),
+    // The writer closes this element by the name of another.
+    closedBy(BCI_FIELD(VornBcLoadLmcAckS, lmSeqNr, "lmSeqNr", 246), "loadModule"),
+};
+constexpr Fields kLoadLmcAck = {"bciLoadLmcMsg", kLoadLmcAckRows};
+static_assert(maxTextSize(kLoadLmcAckRows) == 35 + 6);
+// getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
+static_assert(binarySize(kLoadLmcAckRows) == 14);
+
+constexpr Field kLoadLmcEndCfmRows[] = {
+    BCI_HEADER(VornBcLoadLmcEndCfmS, 328),
+    BCI_FIELD(VornBcLoadLmcEndCfmS, loadResult, "loadResult", 349),
+};
+constexpr Fields kLoadLmcEndCfm = {"bciLoadLmcMsg", kLoadLmcEndCfmRows};
+static_assert(maxTextSize(kLoadLmcEndCfmRows) == 35 + 6);
+// getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
+static_assert(binarySize(kLoadLmcEndCfmRows) == 14);
+
+constexpr Field kSelectLmcReqRows[] = {
+    BCI_HEADER(VornBcSelectLmcReqS, 439),
+    BCI_FIELD(VornBcSelectLmcReqS, loadModule, "loadModule", 460),
+};
+constexpr Fields kSelectLmcReq = {"bciLoadLmcMsg", kSelectLmcReqRows};
+static_assert(binarySize(kSelectLmcReqRows) == sizeof(VornBcSelectLmcReqS));
+
+// The last row stands for the block, which has no fixed size.
+constexpr Field kLoadLmcDataRows[] = {
+    BCI_HEADER(VornBcLoadLmcDataS, 581),
+    BCI_FIELD(VornBcLoadLmcDataS, lmSeqNr, "lmSeqNr", 602),
+    BCI_FIELD(VornBcLoadLmcDataS, padding0, "padding0", 609),
+    BCI_FIELD(VornBcLoadLmcDataS, lmBlockSize, "lmBlockSize", 616),
+    BCI_FIELD(VornBcLoadLmcDataS, lmBlock, "lmBlock", 623),
+};
+constexpr Fields kLoadLmcData = {"bciLoadLmcMsg", kLoadLmcDataRows};
+constexpr std::size_t kRowsBeforeBlock = 6;
+constexpr Fields kBeforeBlock = kLoadLmcData.part(0, kRowsBeforeBlock);
+constexpr Field kBlock = kLoadLmcDataRows[kRowsBeforeBlock];
+constexpr unsigned int kMaxBlockSize = 4100;
+constexpr unsigned int kDataSize = kBlock.offset + kMaxBlockSize;
+static_assert(kDataSize == 4120);
+
+// Every operation rejects a block that there is no room for, each with its own line.
+bool isTooLarge(const VornBcLoadLmcDataS& message, unsigned int line)
+{
+    if (message.lmBlockSize <= kMaxBlockSize)
+    {
+        return false;
+    }
+    char format[64];
+    std::snprintf(format, sizeof format, "[src/%s:%u] lmBlockSize %%u > %%u", kLoadLmcData.source, line);
+    syslog(LOG_INFO, format, static_cast<unsigned int>(message.lmBlockSize), kMaxBlockSize);
+    return true;
+}
+
+// Writes all bytes as they are. put() turns into zeros what stands behind one, so every piece ends with the
+// next.
+void putRaw(ostream_text& stream, const char* bytes, unsigned int count)
+{
+    while (count != 0)
+    {
+        const unsigned int piece = std::min(static_cast<unsigned int>(strnlen(bytes, count)) + 1, count);
+        stream.put(bytes, piece);
+        bytes += piece;
+        count -= piece;
+    }
+}
+
+// For tools.
+constexpr bci::codec::Block kDataBlock = {&kLoadLmcDataRows[5], kMaxBlockSize,
+                                          &kLoadLmcDataRows[kRowsBeforeBlock]};
+constexpr bci::codec::Part kLoadLmcDataFurther[] = {&kDataBlock};
+
+} // namespace
+
+const bci::codec::Shape bci::kLoadLmcReqShape = {
+    "BciLoadLmcReq", "VornBcLoadLmcReqS", sizeof(VornBcLoadLmcReqS), {kLoadLmcReqRows}};
+
+BCI_DEFINE_CONSTRUCTOR(BciLoadLmcReq, m_loadLmcReq)
+BCI_DEFINE_MESSAGE(BciLoadLmcReq, m_loadLmcReq)
+BCI_DEFINE_CODECS(BciLoadLmcReq, m_loadLmcReq, kLoadLmcReq)
+
+unsigned int BciLoadLmcReq::getMaxTextBufferSize()
+{
+    return BciMessageBase::getMaxTextBufferSize() + 944;
+}
+
+const bci::codec::Shape bci::kLoadLmcAckShape = {
+    "BciLoadLmcAck", "VornBcLoadLmcAckS", sizeof(VornBcLoadLmcAckS), {kLoadLmcAckRows}};
+
+BCI_DEFINE_CONSTRUCTOR(BciLoadLmcAck, m_loadLmcAck)
+BCI_DEFINE_MESSAGE(BciLoadLmcAck, m_loadLmcAck)
+BCI_DEFINE_CODECS(BciLoadLmcAck, m_loadLmcAck, kLoadLmcAck)
+
+unsigned int BciLoadLmcAck::getMaxTextBufferSize()
+{
+    return BciMessageBase::getMaxTextBufferSize() + 6;
+}
+
+const bci::codec::Shape bci::kLoadLmcEndCfmShape = {
+    "BciLoadLmcEndCfm", "VornBcLoadLmcEndCfmS", sizeof(VornBcLoadLmcEndCfmS), {kLoadLmcEndCfmRows}};
+
+BCI_DEFINE_CONSTRUCTOR(BciLoadLmcEndCfm, m_loadLmcEndCfm)
+BCI_DEFINE_MESSAGE(BciLoadLmcEndCfm, m_loadLmcEndCfm)
+BCI_DEFINE_CODECS(BciLoadLmcEndCfm, m_loadLmcEndCfm, kLoadLmcEndCfm)
+
+unsigned int BciLoadLmcEndCfm::getMaxTextBufferSize()
+{
+    return BciMessageBase::getMaxTextBufferSize() + 6;
+}
+
+const bci::codec::Shape bci::kSelectLmcReqShape = {
+    "BciSelectLmcReq", "VornBcSelectLmcReqS", sizeof(VornBcSelectLmcReqS), {kSelectLmcReqRows}};
+
+BCI_DEFINE_CONSTRUCTOR(BciSelectLmcReq, m_selectLmcReq)
+BCI_DEFINE_MESSAGE(BciSelectLmcReq, m_selectLmcReq)
+BCI_DEFINE_CODECS(BciSelectLmcReq, m_selectLmcReq, kSelectLmcReq)
+
+unsigned int BciSelectLmcReq::getMaxTextBufferSize()
+{
+    // Neither the mask nor the 180 follow from anything.
+    return (BciMessageBase::getMaxTextBufferSize() & 0xFF) + 180;
+}
+
+const bci::codec::Shape bci::kLoadLmcDataShape = {
+    "BciLoadLmcData", "VornBcLoadLmcDataS", kDataSize, {kBeforeBlock.rows, kLoadLmcDataFurther}};
+
+// One byte more is for the zero that the text reader puts behind a full block.
+BciLoadLmcData::BciLoadLmcData(SIGSELECT sigNo)
+    : BciMessageBase(nullptr, kDataSize, sigNo),
+      m_loadLmcData(static_cast<VornBcLoadLmcDataS*>(std::malloc(kDataSize + 1)))
+{
+    m_bciMessagePtr = reinterpret_cast<char*>(m_loadLmcData);
+}
+
+BciLoadLmcData::~BciLoadLmcData()
+{
+    std::free(m_loadLmcData);
+}
+
+BCI_DEFINE_HEAP_FACTORY(BciLoadLmcData)
+BCI_DEFINE_ACCESSORS(BciLoadLmcData, *m_loadLmcData)
+
+unsigned int BciLoadLmcData::getMaxBinaryBufferSize()
+{
+    // The 23 follow from nothing: the form takes 20 bytes and the block.
+    return m_loadLmcData->lmBlockSize + 23;
+}
+
+unsigned int BciLoadLmcData::getMaxTextBufferSize()
+{
+    // Follows from nothing, and is too little for most blocks.
+    return 1000;
+}
+
+bool BciLoadLmcData::serializeBciMsgToText(ostream_text& stream) const
+{
+    writeText(kBeforeBlock, m_bciMessagePtr, stream);
+    if (isTooLarge(*m_loadLmcData, 503))
+    {
+        return false;
+    }
+    putRaw(stream, m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize);
+    stream << getDelim();
+    return !stream.fail();
+}
+
+bool BciLoadLmcData::serializeBciMsgToBinary(ostream_binary& stream) const
+{
+    writeBinary(kBeforeBlock, m_bciMessagePtr, stream);
+    if (isTooLarge(*m_loadLmcData, 522))
+    {
+        return false;
+    }
+    stream.put(m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize);
+    return !stream.fail();
+}
+
+bool BciLoadLmcData::serializeBciMsgToXml(ostream_text& stream) const
+{
+    writeXml(kBeforeBlock, m_bciMessagePtr, stream);
+    if (isTooLarge(*m_loadLmcData, 549))
+    {
+        return false;
+    }
+    putOpening(stream, kBlock, nullptr);
+    putRaw(stream, m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize);
+    putClosing(stream, kBlock, nullptr);
+    return !stream.fail();
+}
+
+bool BciLoadLmcData::deserializeBciMsgFromText(istream_text& stream)
+{
+    readText(kBeforeBlock, m_bciMessagePtr, stream);
+    if (isTooLarge(*m_loadLmcData, 563))
+    {
+        return false;
+    }
+    stream.get(m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize, getDelim());
+    char delimiter;
+    stream >> delimiter;
+    return !stream.fail();
+}
+
+bool BciLoadLmcData::deserializeBciMsgFromBinary(istream_binary& stream)
+{
+    readBinary(kBeforeBlock, m_bciMessagePtr, stream);
+    if (isTooLarge(*m_loadLmcData, 572))
+    {
+        return false;
+    }
+    stream.get(m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize);
+    return !stream.fail();
+}
+
+bool BciLoadLmcData::deserializeBciMsgFromXml(istream_text& stream)
+{
+    if (!readXml(kBeforeBlock, m_bciMessagePtr, stream) || isTooLarge(*m_loadLmcData, 618))
+    {
+        return false;
+    }
+    bci::codec::TagContent content;
+    if (bci::codec::findTag(stream.getBuffer(), kBlock.tag, content) == nullptr)
+    {
+        logMissing(kLoadLmcData, kBlock, kBlock.tag, stream.getBuffer());
+        return false;
+    }
+    // Zeros fill the block up behind a shorter content, and no terminator follows a longer one.
+    char* const block = m_bciMessagePtr + kBlock.offset;
+    const std::size_t copied = std::min<std::size_t>(content.size(), m_loadLmcData->lmBlockSize);
+    std::memcpy(block, content.begin, copied);
+    std::memset(block + copied, 0, m_loadLmcData->lmBlockSize - copied);
+    return true;
+}

@@ -1,0 +1,32 @@
+#include "bciUtcTimeMsg.h"
+
+#include "messageOperations.h"
+#include "shapes.h"
+
+using bci::codec::Field;
+using bci::codec::Fields;
+
+namespace
+{
+
+constexpr Field kSetUtcTimeReqRows[] = {
+    BCI_HEADER(VornBcSetUtcTimeReqS, 96),
+    BCI_FIELD(VornBcSetUtcTimeReqS, dateTime, "dateTime", 117),
+};
+constexpr Fields kSetUtcTimeReq = {"bciUtcTimeMsg", kSetUtcTimeReqRows};
+static_assert(maxTextSize(kSetUtcTimeReqRows) == 35 + 11);
+static_assert(binarySize(kSetUtcTimeReqRows) == sizeof(VornBcSetUtcTimeReqS));
+
+} // namespace
+
+const bci::codec::Shape bci::kSetUtcTimeReqShape = {
+    "BciSetUtcTimeReq", "VornBcSetUtcTimeReqS", sizeof(VornBcSetUtcTimeReqS), {kSetUtcTimeReqRows}};
+
+BCI_DEFINE_CONSTRUCTOR(BciSetUtcTimeReq, m_setUtcTimeReq)
+BCI_DEFINE_MESSAGE(BciSetUtcTimeReq, m_setUtcTimeReq)
+BCI_DEFINE_CODECS(BciSetUtcTimeReq, m_setUtcTimeReq, kSetUtcTimeReq)
+
+unsigned int BciSetUtcTimeReq::getMaxTextBufferSize()
+{
+    return BciMessageBase::getMaxTextBufferSize() + 11;
+}
