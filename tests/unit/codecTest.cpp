@@ -1,6 +1,7 @@
 // The engine over a table of its own, which has every kind of field and every oddity.
 
 #include "codec/codec.h"
+#include "codec/tagLookup.h"
 #include "logCapture.h"
 
 #include <gtest/gtest.h>
@@ -278,6 +279,21 @@ TEST(Codec, ComposesTheLogLineOfAMissingElement)
     EXPECT_EQ(takeLog(), (Log{{6, "[src/sampleMsg:10] tag %s not found", {"word"}}}));
     EXPECT_FALSE(readXmlText("<>", kSample.part(1, 1), &structure));
     EXPECT_EQ(takeLog(), (Log{{6, "[src/sampleMsg:17] tag tag %s not found", {"signedWord"}}}));
+
+    constexpr Field quoting[] = {BCI_FIELD(SampleS, half, "half", 286, Oddity::quotesDocument)};
+    EXPECT_FALSE(readXmlText("<byte>1</byte> %s", {"sampleMsg", quoting}, &structure));
+    EXPECT_EQ(takeLog(), (Log{{6, "[src/sampleMsg:286] tag %s not found buf %s", {"half", "<byte>1</byte> %s"}}}));
+}
+
+TEST(Codec, FindsAnElementThatAnotherNameCloses)
+{
+    TagContent content = {};
+    const char* const document = "<a>1</b><a>2</a>";
+    EXPECT_EQ(findTag(document, "a", "b", content), document + 8);
+    EXPECT_EQ(std::string(content.begin, content.end), "1");
+    EXPECT_EQ(findTag(document, "a", content), document + 16);
+    EXPECT_EQ(std::string(content.begin, content.end), "1</b><a>2");
+    EXPECT_EQ(findTag(document, "b", "a", content), nullptr);
 }
 
 struct ElementS

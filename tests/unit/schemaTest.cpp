@@ -1,0 +1,267 @@
+// The walk over a shape of its own, which has every kind of part, and the shapes of all messages.
+
+#include "bciAuditMsg.h"
+#include "bciCapabilityMsg.h"
+#include "bciCommonMsg.h"
+#include "bciConnEstablishMsg.h"
+#include "bciFaultMsg.h"
+#include "bciHwMsg.h"
+#include "bciLoadLmcInitMsg.h"
+#include "bciLoadLmcMsg.h"
+#include "bciMaintStateMsg.h"
+#include "bciMmiMsg.h"
+#include "bciMsgRegistration.h"
+#include "bciRestartBoardMsg.h"
+#include "bciTempMeasMsg.h"
+#include "bciUtcTimeMsg.h"
+#include "bciVisualIndicationMsg.h"
+#include "catalogue.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstring>
+#include <map>
+#include <string>
+
+namespace
+{
+
+using namespace bci::codec;
+
+struct PointS
+{
+    U16 x;
+    U16 y;
+};
+
+struct LineS
+{
+    U16 kind;
+    U16 points;
+    PointS point[3];
+};
+
+struct DrawingS
+{
+    U16 lines;
+    U16 limited;
+    LineS line[2];
+    U16 texts;
+    U8 text[8];
+    U16 length;
+    U8 bytes[6];
+};
+
+constexpr Field kPointRows[] = {BCI_FIELD(PointS, x, "x__", 1), BCI_FIELD(PointS, y, "y__", 2)};
+constexpr Field kLineRows[] = {
+    makeField<S16>(offsetof(LineS, kind), "kind_", 3),
+    BCI_FIELD(LineS, points, "points", 4),
+};
+constexpr List kPoints = {&kLineRows[1], 3, offsetof(LineS, point), sizeof(PointS), {kPointRows}, true, false};
+constexpr Part kLineFurther[] = {&kPoints};
+constexpr Case kCases[] = {{-1, "none", {}}, {7, "point", {kPointRows}}};
+constexpr Choice kChoice = {&kLineRows[0], offsetof(LineS, point), sizeof(PointS), kCases};
+constexpr Part kChoiceFurther[] = {&kChoice};
+
+constexpr Field kDrawingRows[] = {
+    BCI_FIELD(DrawingS, lines, "lines", 5),   BCI_FIELD(DrawingS, limited, "limited", 6),
+    BCI_FIELD(DrawingS, texts, "texts", 7),   BCI_FIELD(DrawingS, text, "text_", 8),
+    BCI_FIELD(DrawingS, length, "length", 9), BCI_FIELD(DrawingS, bytes, "bytes", 10),
+};
+constexpr Limit kLimit = {&kDrawingRows[1], 5};
+constexpr List kLines = {
+    &kDrawingRows[0], 2, offsetof(DrawingS, line), sizeof(LineS), {kLineRows, kLineFurther}, false, true};
+constexpr LogEntries kEntries = {&kDrawingRows[2], &kDrawingRows[3]};
+constexpr Block kBlock = {&kDrawingRows[4], 6, &kDrawingRows[5]};
+constexpr Part kDrawingFurther[] = {&kLimit,
+                                    &kLines,
+                                    std::span<const Field>(kDrawingRows).subspan(2, 1),
+                                    &kEntries,
+                                    std::span<const Field>(kDrawingRows).subspan(4, 1),
+                                    &kBlock};
+constexpr Shape kDrawing = {
+    "Drawing", "DrawingS", sizeof(DrawingS), {std::span<const Field>(kDrawingRows).first(2), kDrawingFurther}};
+
+DrawingS drawing()
+{
+    DrawingS structure = {};
+    structure.lines = 2;
+    structure.limited = 4;
+    structure.line[0] = {10, 1, {{11, 12}, {}, {}}};
+    structure.line[1] = {20, 2, {{21, 22}, {23, 24}, {}}};
+    structure.texts = 2;
+    std::memcpy(structure.text, "ab\0c\0\0\0", 8);
+    structure.length = 3;
+    std::memcpy(structure.bytes, "x\0y", 3);
+    return structure;
+}
+
+std::string named(const Shape& shape, void* structure)
+{
+    std::string text;
+    for (const Leaf& leaf : leaves(shape, static_cast<char*>(structure)))
+    {
+        const std::string characters(leaf.base + leaf.field.offset, leaf.field.size);
+        text += leaf.name + "=" +
+                (leaf.field.kind != Kind::text ? std::to_string(loadNumber(leaf.field, leaf.base))
+                 : leaf.raw                    ? "[" + characters + "]"
+                                               : characters.substr(0, characters.find('\0'))) +
+                " ";
+    }
+    return text;
+}
+
+TEST(Schema, LeadsThroughAMessageInWireOrder)
+{
+    DrawingS structure = drawing();
+    EXPECT_EQ(named(kDrawing, &structure),
+              "lines=2 limited=4 kind_0=10 points=1 x_0_0=11 y_0_0=12 kind_1=20 points=2 x_1_0=21 y_1_0=22 "
+              "x_1_1=23 y_1_1=24 texts=2 text_0=ab text_1=c length=3 bytes=[x" +
+                  std::string(1, '\0') + "y] ");
+}
+
+TEST(Schema, StopsAtTheBounds)
+{
+    DrawingS structure = drawing();
+    structure.line[0].points = 65535;
+    structure.lines = 3;
+    structure.texts = 60000;
+    structure.length = 7;
+    std::memcpy(structure.bytes, "123456", 6);
+    EXPECT_EQ(
+        named(kDrawing, &structure),
+        "lines=3 limited=4 kind_0=10 points=65535 x_0_0=11 y_0_0=12 x_0_1=0 y_0_1=0 x_0_2=0 y_0_2=0 kind_1=20 "
+        "points=2 x_1_0=21 y_1_0=22 x_1_1=23 y_1_1=24 texts=60000 text_0=ab text_1=c text_2= text_3= text_4= "
+        "length=7 bytes=[123456] ");
+}
+
+TEST(Schema, EndsATextWithoutTerminatorWithItsArray)
+{
+    DrawingS structure = drawing();
+    std::memcpy(structure.text, "ab\0cdefg", 8);
+    structure.texts = 5;
+    EXPECT_NE(named(kDrawing, &structure).find("text_0=ab text_1=cdefg length"), std::string::npos);
+}
+
+TEST(Schema, ChoosesByTheSelector)
+{
+    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kChoiceFurther}};
+    LineS structure = {7, 0, {{1, 2}, {}, {}}};
+    EXPECT_EQ(named(shape, &structure), "kind_=7 points=0 x__=1 y__=2 ");
+    structure.kind = 65535;
+    EXPECT_EQ(named(shape, &structure), "kind_=-1 points=0 ");
+    structure.kind = 8;
+    EXPECT_EQ(named(shape, &structure), "kind_=8 points=0 ");
+}
+
+// What walk() tells on the way.
+class Events : public Visitor
+{
+public:
+    void field(const Field& field, char* /*base*/, const Subscripts* /*subscripts*/) override
+    {
+        m_text += std::string(field.tag) + " ";
+    }
+    void entry(const Field& entry, char* /*base*/, const Subscripts& subscripts) override
+    {
+        m_text += std::string(entry.tag) + std::to_string(subscripts.first) + "/" + std::to_string(entry.offset) +
+                  "+" + std::to_string(entry.size) + " ";
+    }
+    void block(const Field& block, char* /*base*/) override
+    {
+        m_text += std::string(block.tag) + "+" + std::to_string(block.size) + " ";
+    }
+    void beginList(const List& /*list*/, std::int64_t count, char* /*base*/) override
+    {
+        m_text += "list(" + std::to_string(count) + " ";
+    }
+    void endList(const List& /*list*/, std::int64_t count, char* /*base*/) override
+    {
+        m_text += std::to_string(count) + ") ";
+    }
+    void beginEntries(const LogEntries& /*entries*/, std::int64_t count, char* /*base*/) override
+    {
+        m_text += "entries(" + std::to_string(count) + " ";
+    }
+    void endEntries(const LogEntries& /*entries*/, std::int64_t count, std::int64_t written,
+                    char* /*base*/) override
+    {
+        m_text += std::to_string(written) + " of " + std::to_string(count) + ") ";
+    }
+    void beginBlock(const Block& /*block*/, std::int64_t length, char* /*base*/) override
+    {
+        m_text += "block " + std::to_string(length) + " ";
+    }
+    void limit(const Limit& limit, char* base) override
+    {
+        m_text += "limit " + std::to_string(loadNumber(*limit.field, base)) + " ";
+    }
+
+    std::string m_text;
+};
+
+TEST(Schema, TellsCountsAsTheyStand)
+{
+    DrawingS structure = drawing();
+    structure.limited = 9;
+    structure.lines = 0;
+    structure.texts = 3;
+    std::memcpy(structure.text, "abcde\0f", 8);
+    structure.length = 99;
+    Events events;
+    walk(kDrawing, reinterpret_cast<char*>(&structure), events);
+    const auto at = std::to_string(offsetof(DrawingS, text));
+    const auto behind = std::to_string(offsetof(DrawingS, text) + 6);
+    EXPECT_EQ(events.m_text, "lines limited limit 9 list(0 0) texts entries(3 text_0/" + at + "+8 text_1/" +
+                                 behind + "+2 2 of 3) length block 99 bytes+6 ");
+}
+
+TEST(Catalogue, HasTheShapeOfTheClassThatIsRegistered)
+{
+    const std::map<std::string, BciMsgFactory> factories = {
+        {"BciAuditCfm", BciAuditCfm::instantiateBciMsg},
+        {"BciCapabilityCfmMsg", BciCapabilityCfmMsg::instantiateBciMsg},
+        {"BciConnEstRej", BciConnEstRej::instantiateBciMsg},
+        {"BciConnEstReq", BciConnEstReq::instantiateBciMsg},
+        {"BciFaultCeaseIndication", BciFaultCeaseIndication::instantiateBciMsg},
+        {"BciFaultIndication", BciFaultIndication::instantiateBciMsg},
+        {"BciGenericMsg", BciGenericMsg::instantiateBciMsg},
+        {"BciGenericRejMsg", BciGenericRejMsg::instantiateBciMsg},
+        {"BciGetHwPidCfmMsg", BciGetHwPidCfmMsg::instantiateBciMsg},
+        {"BciGetVisualIndicationCfm", BciGetVisualIndicationCfm::instantiateBciMsg},
+        {"BciHwLogGetCfmMsg", BciHwLogGetCfmMsg::instantiateBciMsg},
+        {"BciHwLogGetReqMsg", BciHwLogGetReqMsg::instantiateBciMsg},
+        {"BciHwLogSetReqMsg", BciHwLogSetReqMsg::instantiateBciMsg},
+        {"BciLoadLmcAck", BciLoadLmcAck::instantiateBciMsg},
+        {"BciLoadLmcData", BciLoadLmcData::instantiateBciMsg},
+        {"BciLoadLmcEndCfm", BciLoadLmcEndCfm::instantiateBciMsg},
+        {"BciLoadLmcInitCfm", BciLoadLmcInitCfm::instantiateBciMsg},
+        {"BciLoadLmcInitReq", BciLoadLmcInitReq::instantiateBciMsg},
+        {"BciLoadLmcReq", BciLoadLmcReq::instantiateBciMsg},
+        {"BciMaintStateInd", BciMaintStateInd::instantiateBciMsg},
+        {"BciRestartBoardFwdMsg", BciRestartBoardFwdMsg::instantiateBciMsg},
+        {"BciSelectLmcReq", BciSelectLmcReq::instantiateBciMsg},
+        {"BciSelectMmiReq", BciSelectMmiReq::instantiateBciMsg},
+        {"BciSetMaintStateReq", BciSetMaintStateReq::instantiateBciMsg},
+        {"BciSetUtcTimeReq", BciSetUtcTimeReq::instantiateBciMsg},
+        {"BciSetVisualIndicationReq", BciSetVisualIndicationReq::instantiateBciMsg},
+        {"BciTempMeasStartReq", BciTempMeasStartReq::instantiateBciMsg},
+    };
+    BciMsgRegistry::registerSupportedMsgClasses();
+    std::map<std::string, int> uses;
+    for (const bci::Signal& signal : bci::signals())
+    {
+        SCOPED_TRACE(signal.name);
+        EXPECT_EQ(BciMessageBase::s_bciRegistrationMap.at(signal.number), factories.at(signal.shape->className));
+        EXPECT_EQ(bci::findSignal(signal.number), &signal);
+        ++uses[signal.shape->className];
+    }
+    EXPECT_EQ(bci::signals().size(), 66U);
+    EXPECT_EQ(uses.size(), 27U);
+    EXPECT_EQ(uses["BciGenericMsg"], 23);
+    EXPECT_EQ(uses["BciGenericRejMsg"], 18);
+    EXPECT_EQ(bci::findSignal(0x165801C), nullptr);
+}
+
+} // namespace
