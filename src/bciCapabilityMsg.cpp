@@ -276,7 +276,7 @@ unsigned int BciCapabilityCfmMsg::getMaxBinaryBufferSize()
 
 unsigned int BciCapabilityCfmMsg::getMaxTextBufferSize()
 {
-    // Follows from nothing: two capabilities of ten sensors take up to 582 characters more than the header.
+    // Follows from nothing: two full capabilities take up to 568 characters more than the header.
     return BciMessageBase::getMaxTextBufferSize() + 297;
 }
 
