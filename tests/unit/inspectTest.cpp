@@ -1,6 +1,7 @@
 // The strict walk of the tools, over a signal of its own with every kind of field.
 
 #include "inspect.h"
+#include "bciMsgRegistration.h"
 #include "output.h"
 
 #include <gtest/gtest.h>
@@ -208,6 +209,70 @@ TEST(Inspect, AllowsZerosAndInTextWhiteSpaceBehindTheLastField)
     EXPECT_EQ(damageOf(rendering(Form::binary, binary + std::string(3, '\0'))), "none");
     EXPECT_EQ(damageOf(rendering(Form::binary, binary + "\n")),
               ": offset 17: name: more input behind this field, the last");
+}
+
+// Messages that are more than a run of fields; how they read otherwise is tested at the command.
+
+std::string damageIn(SIGSELECT number, Form form, const std::string& bytes)
+{
+    return damageOf({bytes, false, form, std::endian::big, bci::findSignal(number)});
+}
+
+std::string header(const char* number)
+{
+    return std::string(number, 4) + std::string("\0\0\0\1\0\0\0\2", 8);
+}
+
+TEST(Inspect, TellsALogEntryInBinaryWithoutItsZero)
+{
+    const std::string fields = header("\x01\x65\x92\x0A") + std::string(16, 't') + std::string(7, '\0');
+    EXPECT_EQ(
+        damageIn(BCI_HW_LOG_SET_REQ, Form::binary, fields + "\2" + std::string("a\0", 2) + std::string(422, 'b')),
+        ": offset 38: hwLogData_1: no zero byte ends this entry");
+    EXPECT_EQ(damageIn(BCI_HW_LOG_SET_REQ, Form::binary, fields + "\2" + std::string(423, 'a') + '\0'),
+              ": offset 32: length: 2 is more than the 1 that there is room for");
+    EXPECT_EQ(damageIn(BCI_HW_LOG_SET_REQ, Form::binary, fields + "\1" + std::string(423, '\0')),
+              ": offset 36: hwLogData_: the input ends within this field, after 423 of 424 bytes");
+    EXPECT_EQ(damageIn(BCI_HW_LOG_SET_REQ, Form::binary, fields + "\1" + std::string(423, 'a') + '\0'), "none");
+}
+
+TEST(Inspect, TellsALogEntryInTextThatTheLogHasNoRoomFor)
+{
+    const std::string fields = "23433738:1:2:t:0:1:";
+    EXPECT_EQ(damageIn(BCI_HW_LOG_SET_REQ, Form::text, fields + "2:a:" + std::string(421, 'b') + ":"), "none");
+    EXPECT_EQ(damageIn(BCI_HW_LOG_SET_REQ, Form::text, fields + "2:a:" + std::string(422, 'b') + ":"),
+              ":1:445: hwLogData_1: more than the 421 characters that fit");
+    EXPECT_EQ(damageIn(BCI_HW_LOG_SET_REQ, Form::text, fields + "2:" + std::string(423, 'a') + "::"),
+              ":1:20: length: 2 is more than the 1 that there is room for");
+}
+
+TEST(Inspect, WantsAnElementOfItsOwnForEachOfTwoCapabilities)
+{
+    std::string document = "<sigNo>23429128</sigNo><clientRef>1</clientRef><serverRef>2</serverRef>"
+                           "<numberOfBoardCapabilities>2</numberOfBoardCapabilities><padding0>0</padding0>"
+                           "<boardCapabilityIdentity_0>4</boardCapabilityIdentity_0>"
+                           "<boardCapabilityIdentity_1>4</boardCapabilityIdentity_1>"
+                           "<boardCapabilityLength_0>0</boardCapabilityLength_0>"
+                           "<boardCapabilityLength_1>0</boardCapabilityLength_1>"
+                           "<numOfEthTermHosts>0</numOfEthTermHosts>"
+                           "<ethTermSupportPadding0>7</ethTermSupportPadding0>\n";
+    EXPECT_EQ(damageIn(BCI_GET_CAPABILITIES_CFM, Form::xml, document), ":2:1: numOfEthTermHosts: no such element");
+    document += "<numOfEthTermHosts>0</numOfEthTermHosts><ethTermSupportPadding0>8";
+    EXPECT_EQ(damageIn(BCI_GET_CAPABILITIES_CFM, Form::xml, document),
+              ":2:41: ethTermSupportPadding0: this element is not closed");
+    EXPECT_EQ(damageIn(BCI_GET_CAPABILITIES_CFM, Form::xml, document + "</ethTermSupportPadding0>"), "none");
+}
+
+TEST(Inspect, TellsWhereAListOrABlockInBinaryEndsEarly)
+{
+    const std::string fault = header("\x01\x65\x80\x0E") + std::string("\0\3\0\1", 4);
+    EXPECT_EQ(damageIn(BCI_FAULT_CEASE_IND, Form::binary, fault + std::string("\0\1\0\2\0", 5)),
+              ": offset 21: additionalData_0: the input ends after 3 of the 6 bytes that follow this field");
+    EXPECT_EQ(damageIn(BCI_FAULT_CEASE_IND, Form::binary, fault + std::string(10, '\0')), "none");
+    const std::string block = header("\x01\x65\x88\x06") + std::string("\0\3\0\0\0\0\0\3", 8);
+    EXPECT_EQ(damageIn(BCI_LOAD_LMC_DATA, Form::binary, block + "ab"),
+              ": offset 20: lmBlock: the input ends within this field, after 2 of 3 bytes");
+    EXPECT_EQ(damageIn(BCI_LOAD_LMC_DATA, Form::binary, block + "abc"), "none");
 }
 
 TEST(Inspect, ShowsPiecesOfInputOnOneLineAndCut)
