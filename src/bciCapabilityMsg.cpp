@@ -93,12 +93,12 @@ constexpr Field kSensorRows[] = {
 struct Support
 {
     S16 identity;
-    Fields counted;
-    Fields further; // between the count and the list
-    Fields element;
-    U16 bound;               // elements that there is room for
-    const char* tooMany;     // log line of the XML writer for a count above that
-    const char* readTooMany; // the same of the XML reader; null where it does not check
+    U16 bound = 0; // elements that there is room for
+    Fields counted = {};
+    Fields further = {}; // between the count and the list
+    Fields element = {};
+    const char* tooMany = nullptr;     // log line of the XML writer for a count above that
+    const char* readTooMany = nullptr; // the same of the XML reader, where it checks
 
     constexpr unsigned int list() const // where it begins in the union, in bytes
     {
@@ -122,15 +122,26 @@ constexpr Fields fields(std::span<const Field> rows)
 }
 
 constexpr Support kSupports[] = {
-    {1, fields(kLoadingRows), fields({}), fields({}), 0, nullptr, nullptr},
-    {3, fields({}), fields({}), fields({}), 0, nullptr, nullptr},
-    {4, fields(kEthTermRows).part(0, 1), fields(kEthTermRows).part(1, 1), fields(kEthTermHostRows), 4,
-     "[src/bciCapabilityMsg:417] numEthTermHosts %d > %d", nullptr},
-    {5, fields(kEthHwIfRows), fields({}), fields(kEthLinkRows), 10,
-     "[src/bciCapabilityMsg:460] numEthLinks %d > %d", nullptr},
-    {6, fields(kClimateRows).part(0, 1), fields(kClimateRows).part(1, 1), fields(kSensorRows), 10,
-     "[src/bciCapabilityMsg:510] numHotSpotTempSensors %d > %d",
-     "[src/bciCapabilityMsg:1063] numOfHotspotTempSensors %d > %d"},
+    {.identity = 1, .counted = fields(kLoadingRows)},
+    {.identity = 3},
+    {.identity = 4,
+     .bound = 4,
+     .counted = fields(kEthTermRows).part(0, 1),
+     .further = fields(kEthTermRows).part(1, 1),
+     .element = fields(kEthTermHostRows),
+     .tooMany = "[src/bciCapabilityMsg:417] numEthTermHosts %d > %d"},
+    {.identity = 5,
+     .bound = 10,
+     .counted = fields(kEthHwIfRows),
+     .element = fields(kEthLinkRows),
+     .tooMany = "[src/bciCapabilityMsg:460] numEthLinks %d > %d"},
+    {.identity = 6,
+     .bound = 10,
+     .counted = fields(kClimateRows).part(0, 1),
+     .further = fields(kClimateRows).part(1, 1),
+     .element = fields(kSensorRows),
+     .tooMany = "[src/bciCapabilityMsg:510] numHotSpotTempSensors %d > %d",
+     .readTooMany = "[src/bciCapabilityMsg:1063] numOfHotspotTempSensors %d > %d"},
 };
 constexpr S16 kWithoutContent = 3;
 
@@ -214,19 +225,19 @@ bool exceeds(const char* line, unsigned int count, unsigned int bound)
 }
 
 // For tools.
-constexpr List list(std::span<const Field> counted, std::size_t count, const Support& support)
+constexpr List list(const Support& support)
 {
-    return {&counted[count],
-            support.bound,
-            static_cast<U16>(support.list()),
-            static_cast<U16>(support.stride()),
-            {support.element.rows},
-            true,
-            false};
+    return {.count = &support.counted.rows.back(),
+            .bound = support.bound,
+            .offset = static_cast<U16>(support.list()),
+            .stride = static_cast<U16>(support.stride()),
+            .element = {support.element.rows},
+            .wholeInBinary = true,
+            .delimiterWhenEmpty = false};
 }
-constexpr List kEthTermHosts = list(kEthTermRows, 0, kSupports[2]);
-constexpr List kEthLinks = list(kEthHwIfRows, 1, kSupports[3]);
-constexpr List kSensors = list(kClimateRows, 0, kSupports[4]);
+constexpr List kEthTermHosts = list(kSupports[2]);
+constexpr List kEthLinks = list(kSupports[3]);
+constexpr List kSensors = list(kSupports[4]);
 constexpr Part kEthTermFurther[] = {&kEthTermHosts};
 constexpr Part kEthHwIfFurther[] = {&kEthLinks};
 constexpr Part kClimateFurther[] = {&kSensors};
@@ -237,16 +248,18 @@ constexpr Case kContents[] = {
     {5, "boardEthHwIf", {kEthHwIfRows, kEthHwIfFurther}},
     {6, "boardClimate", {kClimateRows, kClimateFurther}},
 };
-constexpr Choice kContent = {&kCapabilityRows[0], offsetof(VornBcBoardCapabilityS, capability),
-                             sizeof(VornBcCapabilityUnionU), kContents};
+constexpr Choice kContent = {.selector = &kCapabilityRows[0],
+                             .offset = offsetof(VornBcBoardCapabilityS, capability),
+                             .size = sizeof(VornBcCapabilityUnionU),
+                             .cases = kContents};
 constexpr Part kCapabilityFurther[] = {&kContent};
-constexpr List kList = {&kConfirmRows[3],
-                        kMaxCapabilities,
-                        kCapabilities,
-                        kCapabilitySize,
-                        {kCapabilityRows, kCapabilityFurther},
-                        false,
-                        true};
+constexpr List kList = {.count = &kConfirmRows[3],
+                        .bound = kMaxCapabilities,
+                        .offset = kCapabilities,
+                        .stride = kCapabilitySize,
+                        .element = {kCapabilityRows, kCapabilityFurther},
+                        .wholeInBinary = false,
+                        .delimiterWhenEmpty = true};
 constexpr Part kConfirmFurther[] = {&kList};
 
 } // namespace

@@ -60,13 +60,15 @@ constexpr Field kIndicationRows[] = {
     BCI_FIELD(VornBcFaultIndS, faultCase, "faultCase", 326),
 };
 constexpr Fields kIndicationFields = {kSource, kIndicationRows};
-constexpr Layout kIndication = {kIndicationFields.part(0, 8),
-                                kIndicationFields.part(8, 1),
-                                bci::codec::makeField<U16>(0, "additionalData_", 318),
-                                offsetof(VornBcFaultIndS, additionalData),
-                                reach<VornBcFaultIndS>(),
-                                false,
-                                kIndicationFields.part(9, 1)};
+constexpr Layout kIndication = {
+    .counted = kIndicationFields.part(0, 8),
+    .padding = kIndicationFields.part(8, 1),
+    .word = bci::codec::makeField<U16>(0, "additionalData_", 318),
+    .words = offsetof(VornBcFaultIndS, additionalData),
+    .reach = reach<VornBcFaultIndS>(),
+    .ownWordLine = false,
+    .faultCase = kIndicationFields.part(9, 1),
+};
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the forms do not carry.
 static_assert(binarySize(kIndicationRows) + kMaxWords * sizeof(U16) == 142);
 
@@ -77,13 +79,15 @@ constexpr Field kCeaseRows[] = {
     BCI_FIELD(VornBcFaultceaseIndS, faultCase, "faultCase", 568),
 };
 constexpr Fields kCeaseFields = {kSource, kCeaseRows};
-constexpr Layout kCease = {kCeaseFields.part(0, 5),
-                           kCeaseFields.part(5, 0),
-                           bci::codec::makeField<U16>(0, "additionalData_", 560),
-                           offsetof(VornBcFaultceaseIndS, additionalData),
-                           reach<VornBcFaultceaseIndS>(),
-                           true,
-                           kCeaseFields.part(5, 1)};
+constexpr Layout kCease = {
+    .counted = kCeaseFields.part(0, 5),
+    .padding = kCeaseFields.part(5, 0),
+    .word = bci::codec::makeField<U16>(0, "additionalData_", 560),
+    .words = offsetof(VornBcFaultceaseIndS, additionalData),
+    .reach = reach<VornBcFaultceaseIndS>(),
+    .ownWordLine = true,
+    .faultCase = kCeaseFields.part(5, 1),
+};
 static_assert(binarySize(kCeaseRows) + kMaxWords * sizeof(U16) == 26);
 static_assert(maxTextSize(kCeaseRows) + kMaxWords * (textWidth(kCease.word.kind) + 1) == 35 + 42);
 
@@ -248,11 +252,19 @@ bool readFaultXml(const Layout& layout, char* message, istream_text& stream, uns
 }
 
 // For tools.
-constexpr List kIndicationWords = {
-    &kIndicationRows[7], kMaxWords, kIndication.words, sizeof(U16), {{&kIndication.word, 1}}, true, true};
+constexpr List words(const Layout& layout)
+{
+    return {.count = &layout.counted.rows.back(),
+            .bound = kMaxWords,
+            .offset = layout.words,
+            .stride = sizeof(U16),
+            .element = {{&layout.word, 1}},
+            .wholeInBinary = true,
+            .delimiterWhenEmpty = true};
+}
+constexpr List kIndicationWords = words(kIndication);
 constexpr Part kIndicationFurther[] = {&kIndicationWords, kIndication.faultCase.rows};
-constexpr List kCeaseWords = {&kCeaseRows[4],      kMaxWords, kCease.words, sizeof(U16),
-                              {{&kCease.word, 1}}, true,      true};
+constexpr List kCeaseWords = words(kCease);
 constexpr Part kCeaseFurther[] = {&kCeaseWords, kCease.faultCase.rows};
 
 } // namespace

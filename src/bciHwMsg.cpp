@@ -109,7 +109,7 @@ private:
     static constexpr std::size_t kPlace = 10;
     unsigned int m_index = 0;
     // Indexes end with the array, at 424: one digit more stays behind from each of 90 names, then two.
-    char m_name[kPlace + 1 + 90 + 2 * (kLogSize - 99) + 1] = "hwLogData_";
+    char m_name[kPlace + 1 + 90 + std::size_t{2} * (kLogSize - 99) + 1] = "hwLogData_";
 };
 
 constexpr Field kHwLogGetCfmRows[] = {

@@ -34,7 +34,7 @@
 #define BCI_DEFINE_HEAP_FACTORY(Class)                                                                            \
     BciMessageBase* Class::instantiateBciMsg(SIGSELECT sigNo)                                                     \
     {                                                                                                             \
-        Class* const message = new (std::nothrow) Class(sigNo);                                                   \
+        auto* const message = new (std::nothrow) Class(sigNo);                                                    \
         if (message != nullptr && message->getMsg() == nullptr)                                                   \
         {                                                                                                         \
             delete message;                                                                                       \

@@ -24,6 +24,7 @@ void store(T number, char* to)
     std::memcpy(to, &number, sizeof number);
 }
 
+// NOLINTBEGIN(misc-no-recursion): as deep as the shape
 class Walker
 {
 public:
@@ -57,7 +58,8 @@ public:
         {
             const Subscripts subscripts =
                 m_subscripts == nullptr ? Subscripts{i, 0} : Subscripts{m_subscripts->first, i};
-            Walker(m_base + list->offset + i * list->stride, m_visitor, &subscripts).walk(list->element);
+            Walker(m_base + list->offset + std::size_t{i} * list->stride, m_visitor, &subscripts)
+                .walk(list->element);
         }
         m_visitor.endList(*list, count, m_base);
     }
@@ -112,6 +114,7 @@ private:
     Visitor& m_visitor;
     const Subscripts* m_subscripts;
 };
+// NOLINTEND(misc-no-recursion)
 
 class Leaves : public Visitor
 {

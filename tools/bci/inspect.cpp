@@ -229,12 +229,12 @@ private:
         m_valueAt = place.position;
     }
 
-    void expectAtMost(const Field& field, std::int64_t number, std::int64_t bound)
+    void expectAtMost(const Field& field, std::int64_t actual, std::int64_t greatest)
     {
-        if (number > bound)
+        if (actual > greatest)
         {
             returnTo(field);
-            damage(std::to_string(number) + " is more than the " + std::to_string(bound) +
+            damage(std::to_string(actual) + " is more than the " + std::to_string(greatest) +
                    " that there is room for");
         }
     }
@@ -295,9 +295,10 @@ private:
             missingElement();
         }
         from = end;
-        // That element has one blank more before its value.
-        content.begin +=
-            field.oddity == codec::Oddity::bareOpening && content.begin != content.end && *content.begin == ' ';
+        if (field.oddity == codec::Oddity::bareOpening && content.size() != 0 && *content.begin == ' ')
+        {
+            ++content.begin; // that element has one blank more before its value
+        }
         m_valueAt = static_cast<std::size_t>(content.begin - document);
         return {content.begin, content.size()};
     }
