@@ -21,10 +21,15 @@ typedef BciMessageBase* (*BciMsgFactory)(SIGSELECT sigNo);
 /// A message that wraps one wire structure and renders it into a buffer, or reads it back, in three
 /// forms: text, binary and XML.
 ///
-/// Results: the codecs are lenient. A buffer that is too short, or a malformed number, is not an error:
-/// the result is true, and what happened shows in the returned length alone. False means that an XML
-/// element is missing or that a message's own check rejected a value, which a codec says in one line of the
-/// system log. A failed read leaves what was read so far in the wire structure.
+/// Results: the codecs are lenient. A buffer that is too short, or a malformed number, is not an error: the
+/// result is true. The returned length may be shorter than expected, and may not: a form that fills its buffer
+/// exactly looks like one that was cut, a text that ends within its last number like a whole one, and in
+/// binary, where a number that does not fit is left out, a smaller one behind it may still be written. Who
+/// needs to know calls the `...BciMsg...` operations with a stream of their own and asks its good() and
+/// status(). False means that an XML element is missing or that a message's own check rejected a value, which a
+/// codec says in one line of the system log. (BciHwLogSetReqMsg has an exception of its own.) A failed read
+/// leaves what was read so far in the wire structure; what the data did not reach holds what it held before, in a
+/// message just created what its allocation held.
 ///
 /// Byte order: a binary form begins with the signal number in the host's own byte order, which on the
 /// big-endian target is that of all other fields. What a host of the other order wrote needs its first four
@@ -134,9 +139,10 @@ public:
     bool serializeToText(char* buffer, unsigned int& length) const;
     /// Writes the binary form into a buffer; otherwise as serializeToText().
     bool serializeToBinary(char* buffer, unsigned int& length) const;
-    /// Writes the XML form into a buffer; otherwise as serializeToText(). A field takes its value, twice its
-    /// name and 13 characters more. To be read back the form needs a zero behind it: a buffer that is at
-    /// least one byte longer has it.
+    /// Writes the XML form into a buffer; otherwise as serializeToText(). 20000 bytes hold the longest XML of
+    /// any message. A field takes its value, twice its element's name and 13 characters more (3 more than
+    /// that in BciLoadLmcAck); `bci decode` shows the names. To be read back the form needs a zero behind
+    /// it: a buffer that is at least one byte longer has it.
     bool serializeToXml(char* buffer, unsigned int& length) const;
 
     /// Reads the text form into this message.

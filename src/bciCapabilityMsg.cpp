@@ -95,14 +95,14 @@ struct Support
     S16 identity;
     U16 bound = 0; // elements that there is room for
     Fields counted = {};
-    Fields further = {}; // between the count and the list
+    Fields between = {}; // the count and the list
     Fields element = {};
     const char* tooMany = nullptr;     // log line of the XML writer for a count above that
     const char* readTooMany = nullptr; // the same of the XML reader, where it checks
 
     constexpr unsigned int list() const // where it begins in the union, in bytes
     {
-        return binarySize(counted.rows) + binarySize(further.rows);
+        return binarySize(counted.rows) + binarySize(between.rows);
     }
 
     constexpr unsigned int stride() const
@@ -116,30 +116,30 @@ struct Support
     }
 };
 
-constexpr Fields fields(std::span<const Field> rows)
+constexpr Fields table(std::span<const Field> rows)
 {
     return {kSource, rows};
 }
 
 constexpr Support kSupports[] = {
-    {.identity = 1, .counted = fields(kLoadingRows)},
+    {.identity = 1, .counted = table(kLoadingRows)},
     {.identity = 3},
     {.identity = 4,
      .bound = 4,
-     .counted = fields(kEthTermRows).part(0, 1),
-     .further = fields(kEthTermRows).part(1, 1),
-     .element = fields(kEthTermHostRows),
+     .counted = table(kEthTermRows).part(0, 1),
+     .between = table(kEthTermRows).part(1, 1),
+     .element = table(kEthTermHostRows),
      .tooMany = "[src/bciCapabilityMsg:417] numEthTermHosts %d > %d"},
     {.identity = 5,
      .bound = 10,
-     .counted = fields(kEthHwIfRows),
-     .element = fields(kEthLinkRows),
+     .counted = table(kEthHwIfRows),
+     .element = table(kEthLinkRows),
      .tooMany = "[src/bciCapabilityMsg:460] numEthLinks %d > %d"},
     {.identity = 6,
      .bound = 10,
-     .counted = fields(kClimateRows).part(0, 1),
-     .further = fields(kClimateRows).part(1, 1),
-     .element = fields(kSensorRows),
+     .counted = table(kClimateRows).part(0, 1),
+     .between = table(kClimateRows).part(1, 1),
+     .element = table(kSensorRows),
      .tooMany = "[src/bciCapabilityMsg:510] numHotSpotTempSensors %d > %d",
      .readTooMany = "[src/bciCapabilityMsg:1063] numOfHotspotTempSensors %d > %d"},
 };
@@ -213,7 +213,7 @@ private:
     Byte* m_begin;
 };
 
-// The checks of the XML form. No line, no check.
+// The checks of the XML form, which not every list has.
 bool exceeds(const char* line, unsigned int count, unsigned int bound)
 {
     if (line == nullptr || count <= bound)
@@ -253,7 +253,7 @@ constexpr Choice kContent = {.selector = &kCapabilityRows[0],
                              .size = sizeof(VornBcCapabilityUnionU),
                              .cases = kContents};
 constexpr Part kCapabilityFurther[] = {&kContent};
-constexpr List kList = {.count = &kConfirmRows[3],
+constexpr List kList = {.count = &kConfirmCounted.rows.back(),
                         .bound = kMaxCapabilities,
                         .offset = kCapabilities,
                         .stride = kCapabilitySize,
@@ -322,7 +322,7 @@ bool BciCapabilityCfmMsg::serializeBciMsgToText(ostream_text& stream) const
             return false;
         }
         writeText(support->counted, capability.content(), stream);
-        writeText(support->further, capability.content(), stream);
+        writeText(support->between, capability.content(), stream);
         for (unsigned int j = 0; j < capability.elements(*support); ++j)
         {
             writeText(support->element, capability.element(*support, j), stream);
@@ -354,7 +354,7 @@ bool BciCapabilityCfmMsg::serializeBciMsgToBinary(ostream_binary& stream) const
             return false;
         }
         writeBinary(support->counted, capability.content(), stream);
-        writeBinary(support->further, capability.content(), stream);
+        writeBinary(support->between, capability.content(), stream);
         for (unsigned int j = 0; j < support->bound; ++j)
         {
             const bool valid = j < capability.elements(*support);
@@ -395,8 +395,8 @@ bool BciCapabilityCfmMsg::serializeBciMsgToXml(ostream_text& stream) const
         {
             return false;
         }
-        writeXml(support->further, capability.content(), stream);
-        for (unsigned int& j = subscripts.second; j < capability.count(*support); ++j)
+        writeXml(support->between, capability.content(), stream);
+        for (unsigned int& j = subscripts.second; j < capability.elements(*support); ++j)
         {
             writeXml(support->element, capability.element(*support, j), stream, &subscripts);
         }
@@ -427,7 +427,7 @@ bool BciCapabilityCfmMsg::deserializeBciMsgFromText(istream_text& stream)
             return false;
         }
         readText(support->counted, capability.content(), stream);
-        readText(support->further, capability.content(), stream);
+        readText(support->between, capability.content(), stream);
         for (unsigned int j = 0; j < capability.elements(*support); ++j)
         {
             readText(support->element, capability.element(*support, j), stream);
@@ -436,7 +436,8 @@ bool BciCapabilityCfmMsg::deserializeBciMsgFromText(istream_text& stream)
     return !stream.fail();
 }
 
-// The count is checked before it is read, on the cleared structure, which is the same as not at all.
+// The count is not checked: the only check comes before it is read, sees the cleared structure, and so is
+// left out.
 bool BciCapabilityCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 {
     std::memset(m_bciMessagePtr, 0, kSize);
@@ -454,7 +455,7 @@ bool BciCapabilityCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
             return false;
         }
         readBinary(support->counted, capability.content(), stream);
-        readBinary(support->further, capability.content(), stream);
+        readBinary(support->between, capability.content(), stream);
         for (unsigned int j = 0; j < support->bound; ++j)
         {
             readBinary(support->element, capability.element(*support, j), stream);
@@ -502,7 +503,7 @@ bool BciCapabilityCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
         }
         if (!readXml(support->counted, capability.content(), stream) ||
             exceeds(support->readTooMany, capability.count(*support), support->bound) ||
-            !readXml(support->further, capability.content(), stream))
+            !readXml(support->between, capability.content(), stream))
         {
             return false;
         }

@@ -124,9 +124,10 @@ constexpr Fields kHwLogGetCfmFixed = kHwLogGetCfm.part(0, 4);
 constexpr Fields kHwLogGetCfmEntry = kHwLogGetCfm.part(4, 1);
 
 // For tools.
-constexpr bci::codec::LogEntries kHwLogSetReqEntries = {&kHwLogSetReqRows[6], &kHwLogSetReqRows[7]};
+constexpr bci::codec::LogEntries kHwLogSetReqEntries = {&kHwLogSetReqFixed.rows.back(),
+                                                        &kHwLogSetReqRows[kSetRowsBeforeEntries]};
 constexpr bci::codec::Part kHwLogSetReqFurther[] = {&kHwLogSetReqEntries};
-constexpr bci::codec::Limit kHwLogGetCfmLength = {&kHwLogGetCfmRows[3], 1};
+constexpr bci::codec::Limit kHwLogGetCfmLength = {&kHwLogGetCfmFixed.rows.back(), 1};
 constexpr bci::codec::Part kHwLogGetCfmFurther[] = {&kHwLogGetCfmLength, kHwLogGetCfmEntry.rows};
 
 } // namespace

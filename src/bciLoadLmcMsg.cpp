@@ -99,7 +99,7 @@ void putRaw(ostream_text& stream, const char* bytes, unsigned int count)
 }
 
 // For tools.
-constexpr bci::codec::Block kDataBlock = {&kLoadLmcDataRows[5], kMaxBlockSize,
+constexpr bci::codec::Block kDataBlock = {&kBeforeBlock.rows.back(), kMaxBlockSize,
                                           &kLoadLmcDataRows[kRowsBeforeBlock]};
 constexpr bci::codec::Part kLoadLmcDataFurther[] = {&kDataBlock};
 

@@ -281,8 +281,37 @@ TEST(Inspect, ShowsPiecesOfInputOnOneLineAndCut)
     EXPECT_EQ(quote(std::string("\n\x1B\x7F\0", 4)), "'\\x0A\\x1B\\x7F\\x00'");
     EXPECT_EQ(quote(std::string(40, 'x')), "'" + std::string(40, 'x') + "'");
     EXPECT_EQ(quote(std::string(41, 'x')), "'" + std::string(40, 'x') + "'...");
+    EXPECT_EQ(quote(std::string(39, 'x') + "\xC3\xA9"), "'" + std::string(39, 'x') + "'...")
+        << "characters stay whole";
     EXPECT_EQ(displayName("-"), "<stdin>");
     EXPECT_EQ(displayName("a\nb"), "a\\x0Ab");
+}
+
+TEST(Inspect, ShowsPrintableCharactersAndEscapesTheRest)
+{
+    EXPECT_EQ(escaped("a ~\\x41"), "a ~\\\\x41") << "a backslash is doubled";
+    EXPECT_EQ(escaped("\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 \xC2\xA0"),
+              "\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 \xC2\xA0");
+    EXPECT_EQ(escaped("\x1F\x7F"), "\\x1F\\x7F");
+    EXPECT_EQ(escaped("\xC2\x9B"), "\\xC2\\x9B") << "a control character";
+    EXPECT_EQ(escaped("\xC3"), "\\xC3") << "cut";
+    EXPECT_EQ(escaped("\xC3z"), "\\xC3z");
+    EXPECT_EQ(escaped("\xE2\x82z"), "\\xE2\\x82z");
+    EXPECT_EQ(escaped("\xC1\x81"), "\\xC1\\x81") << "overlong";
+    EXPECT_EQ(escaped("\xE0\x9F\xBF"), "\\xE0\\x9F\\xBF");
+    EXPECT_EQ(escaped("\xF0\x8F\xBF\xBF"), "\\xF0\\x8F\\xBF\\xBF");
+    EXPECT_EQ(escaped("\xED\xA0\x80"), "\\xED\\xA0\\x80") << "a surrogate";
+    EXPECT_EQ(escaped("\xF4\x90\x80\x80"), "\\xF4\\x90\\x80\\x80") << "beyond the last character";
+    EXPECT_EQ(escaped("\xFF\x80"), "\\xFF\\x80");
+}
+
+TEST(Inspect, TellsTheFirstFieldThatARenderingLoses)
+{
+    const Record record = inspect(rendering(Form::text, "1:2:3:4:5:abc:"));
+    EXPECT_EQ(firstLost(record, rendering(Form::text, "1:2:3:4:5:abc:")), nullptr);
+    EXPECT_EQ(firstLost(record, rendering(Form::text, "1:2:9:4:6:abc:")), &record.fields[2]);
+    EXPECT_EQ(firstLost(record, rendering(Form::text, "1:2:3:x:5:abc:")), &record.fields[3]);
+    EXPECT_EQ(firstLost(record, rendering(Form::text, "1:2:3:4:5:abc:6:")), &record.fields[5]) << "more than it";
 }
 
 TEST(Inspect, WritesHexInLinesOfSixteenBytes)

@@ -9,20 +9,13 @@ void bci::tool::convert(const std::string& fileName, Target target, std::endian 
 {
     const Rendering rendering = recognise(readFile(fileName));
     const Record record = inspect(rendering);
-    const auto rendered = [&](Form form) { return render(record, *rendering.signal, form, firstWord); };
-    switch (target)
+    const Form form = target == Target::text ? Form::text : target == Target::xml ? Form::xml : Form::binary;
+    const Rendering written = {render(record, *rendering.signal, form, firstWord), false, form, firstWord,
+                               rendering.signal};
+    if (const FieldValue* const lost = firstLost(record, written))
     {
-    case Target::text:
-        std::cout << rendered(Form::text);
-        break;
-    case Target::binary:
-        std::cout << rendered(Form::binary);
-        break;
-    case Target::xml:
-        std::cout << rendered(Form::xml);
-        break;
-    case Target::hex:
-        std::cout << toHex(rendered(Form::binary));
-        break;
+        throw Damage(rendering, lost->position, lost->name,
+                     quote(lost->value) + " does not survive in " + formName(form));
     }
+    std::cout << (target == Target::hex ? toHex(written.bytes) : written.bytes);
 }

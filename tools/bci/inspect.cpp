@@ -62,14 +62,19 @@ public:
         m_record.structure.resize(rendering.signal->shape->structureSize);
     }
 
-    Record read()
+    void read()
     {
         walk(*m_rendering.signal->shape, m_record.structure.data(), *this);
         if (m_rendering.form != Form::xml)
         {
             expectEnd();
         }
-        return std::move(m_record);
+    }
+
+    // What has been read, which is not all if reading threw.
+    Record& record()
+    {
+        return m_record;
     }
 
     void field(const Field& field, char* base, const Subscripts* subscripts) override
@@ -343,6 +348,11 @@ private:
             m_valueAt += field.size - 1U;
             damage("more than the " + std::to_string(field.size - 1) + " characters that fit");
         }
+        if (const std::size_t zero = characters.find('\0'); zero != std::string_view::npos)
+        {
+            m_valueAt += zero;
+            damage("a zero byte within the text");
+        }
         std::copy(characters.begin(), characters.end(), base + field.offset);
         add(field.kind, characters);
     }
@@ -434,7 +444,33 @@ private:
 
 Record inspect(const Rendering& rendering)
 {
-    return Reader(rendering).read();
+    Reader reader(rendering);
+    reader.read();
+    return std::move(reader.record());
+}
+
+const FieldValue* firstLost(const Record& record, const Rendering& rendering)
+{
+    Reader reader(rendering);
+    bool damaged = false;
+    try
+    {
+        reader.read();
+    }
+    catch (const Damage&)
+    {
+        damaged = true;
+    }
+    const std::vector<FieldValue>& found = reader.record().fields;
+    const auto [lost, other] =
+        std::mismatch(record.fields.begin(), record.fields.end(), found.begin(), found.end(),
+                      [](const FieldValue& one, const FieldValue& two)
+                      { return one.name == two.name && one.value == two.value; });
+    if (lost != record.fields.end())
+    {
+        return &*lost;
+    }
+    return damaged || other != found.end() ? &record.fields.back() : nullptr;
 }
 
 const char* typeName(Kind kind)

@@ -6,7 +6,8 @@
 // signal's elements are read and nothing else is looked at: the first of each name, but where a list's
 // elements share a name, one after another. What the codecs lose comes through (an unsigned number above
 // 2147483647 in XML, -2147483648 in text, a ':' in a block, values shared by name in XML), and so does what
-// they stumble over (the ':' in the place of an empty list, the foreign closing tag).
+// they stumble over (the ':' in the place of an empty list, the foreign closing tag). Bytes of a binary form
+// that hold nothing, behind the last element of a list or the member of a union, are passed over.
 #ifndef BCI_TOOL_INSPECT_H
 #define BCI_TOOL_INSPECT_H
 
@@ -36,6 +37,10 @@ struct Record
 
 // Reads all fields of a rendering. Throws Damage.
 Record inspect(const Rendering& rendering);
+
+// The first of a record's fields that a rendering of it does not bring back (a ':' within a text is one that
+// text does not), or null.
+const FieldValue* firstLost(const Record& record, const Rendering& rendering);
 
 // The name of a field's type, as the wire structures have it; texts are "text".
 const char* typeName(codec::Kind kind);

@@ -57,9 +57,12 @@ int finish()
 int main(int argc, char** argv)
 {
     CLI::App app("Shows and converts signals of the board control interface.", "bci");
+    app.footer(
+        "Exit status: 0 if all is well, 1 for damaged input, 2 for trouble (wrong use, a file that cannot be "
+        "read).");
     app.set_version_flag("--version", "bci " BCI_VERSION);
     app.failure_message([](const CLI::App*, const CLI::Error& error)
-                        { return "bci: " + std::string(error.what()) + " (see bci --help)\n"; });
+                        { return "bci: " + bci::tool::escaped(error.what()) + " (see bci --help)\n"; });
 
     std::string fileName = "-";
     const auto addFile = [&fileName](CLI::App* verb) {
