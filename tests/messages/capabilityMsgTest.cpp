@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <map>
 #include <memory>
 #include <string>
@@ -17,11 +16,7 @@
 namespace
 {
 
-using commonStream::istream_text;
-
 constexpr std::size_t kSize = 192; // of the block that a message owns
-constexpr char kFill = '\x5A';     // what no rendering may carry, and what a reader may have to keep
-constexpr S32 kLowest = -2147483647 - 1;
 
 // A number of a message. The structure has the numbers in the order and at the widths of the binary form.
 struct Number
@@ -270,12 +265,6 @@ std::string xmlForm(const Numbers& numbers)
     return xml;
 }
 
-template <typename T>
-std::string hostOrder(T value)
-{
-    return {reinterpret_cast<const char*>(&value), sizeof value};
-}
-
 // The block of a message: `fill` wherever no number is.
 std::string blockOf(const Numbers& numbers, char fill)
 {
@@ -283,33 +272,23 @@ std::string blockOf(const Numbers& numbers, char fill)
     for (const Number& number : numbers)
     {
         block += number.name.empty() ? std::string(number.width, fill)
-                 : number.width == 1 ? hostOrder(static_cast<U8>(number.value))
-                 : number.width == 2 ? hostOrder(static_cast<U16>(number.value))
-                                     : hostOrder(static_cast<U32>(number.value));
+                 : number.width == 1 ? inMemory(static_cast<U8>(number.value))
+                 : number.width == 2 ? inMemory(static_cast<U16>(number.value))
+                                     : inMemory(static_cast<U32>(number.value));
     }
     return block + std::string(kSize - block.size(), fill);
 }
 
-std::unique_ptr<BciCapabilityCfmMsg> garbled()
-{
-    return filled<BciCapabilityCfmMsg>(kSize, kFill);
-}
-
 std::unique_ptr<BciCapabilityCfmMsg> holding(const Numbers& numbers)
 {
-    auto capabilities = garbled();
-    capabilities->setMsg(blockOf(numbers, kFill).data());
-    return capabilities;
+    return ::holding<BciCapabilityCfmMsg>(blockOf(numbers, kFill));
 }
 
-std::string held(const BciCapabilityCfmMsg& capabilities)
+// Reads into a block full of kFill, which is `block` then.
+void expectRead(Reader reader, const std::string& data, const Read& outcome, const std::string& block,
+                const Log& log = {})
 {
-    return structureOf(capabilities, kSize);
-}
-
-unsigned int sizeOf(const std::string& rendering)
-{
-    return static_cast<unsigned int>(rendering.size());
+    expectReadings<BciCapabilityCfmMsg>(reader, kSize, {{data, outcome, block, log}});
 }
 
 Log error(const std::string& format, const std::vector<std::string>& arguments)
@@ -326,66 +305,59 @@ Log info(const std::string& format, const std::vector<std::string>& arguments)
 
 // Structures and class
 
-// A macro, as offsetof and decltype take names.
-#define EXPECT_FIELD(structure, field, offset, ...)                                                               \
-    EXPECT_EQ(offsetof(structure, field), std::size_t{offset});                                                   \
-    EXPECT_TRUE((std::is_same_v<decltype(structure::field), __VA_ARGS__>)) << #field
-
 TEST(CapabilityCfm, StructuresOfListAndCapabilityHaveTheLayoutOfTheSignal)
 {
-    EXPECT_EQ(sizeof(VornBcGetCapabilitiesCfmS), 104U);
-    EXPECT_FIELD(VornBcGetCapabilitiesCfmS, sigNo, 0, SIGSELECT);
-    EXPECT_FIELD(VornBcGetCapabilitiesCfmS, addressInfo, 4, VornNodeCommonAddressInfoS);
-    EXPECT_FIELD(VornBcGetCapabilitiesCfmS, numberOfBoardCapabilities, 12, U16);
-    EXPECT_FIELD(VornBcGetCapabilitiesCfmS, padding0, 14, U16);
-    EXPECT_FIELD(VornBcGetCapabilitiesCfmS, boardCapabilities, 16, VornBcBoardCapabilityS[1]);
+    expectSignal<VornBcGetCapabilitiesCfmS>(104);
+    expectField<U16>(&VornBcGetCapabilitiesCfmS::numberOfBoardCapabilities, 12);
+    expectField<U16>(&VornBcGetCapabilitiesCfmS::padding0, 14);
+    expectField<VornBcBoardCapabilityS[1]>(&VornBcGetCapabilitiesCfmS::boardCapabilities, 16);
     EXPECT_EQ(sizeof(VornBcBoardCapabilityS), 88U);
-    EXPECT_FIELD(VornBcBoardCapabilityS, boardCapabilityIdentity, 0, VornBcCapabilityUnionChoiceE);
-    EXPECT_FIELD(VornBcBoardCapabilityS, boardCapabilityLength, 2, U16);
-    EXPECT_FIELD(VornBcBoardCapabilityS, capability, 4, VornBcCapabilityUnionU);
+    expectField<VornBcCapabilityUnionChoiceE>(&VornBcBoardCapabilityS::boardCapabilityIdentity, 0);
+    expectField<U16>(&VornBcBoardCapabilityS::boardCapabilityLength, 2);
+    expectField<VornBcCapabilityUnionU>(&VornBcBoardCapabilityS::capability, 4);
     EXPECT_EQ(sizeof(VornBcCapabilityUnionU), 84U);
-    EXPECT_FIELD(VornBcCapabilityUnionU, boardLoading, 0, VornBcLoadingSupportS);
-    EXPECT_FIELD(VornBcCapabilityUnionU, boardEthTerm, 0, VornBcEthTermSupportS);
-    EXPECT_FIELD(VornBcCapabilityUnionU, boardEthHwIf, 0, VornBcEthHwIfSupportS);
-    EXPECT_FIELD(VornBcCapabilityUnionU, boardClimate, 0, VornBcClimateControlSupportS);
+    expectField<VornBcLoadingSupportS>(&VornBcCapabilityUnionU::boardLoading, 0);
+    expectField<VornBcEthTermSupportS>(&VornBcCapabilityUnionU::boardEthTerm, 0);
+    expectField<VornBcEthHwIfSupportS>(&VornBcCapabilityUnionU::boardEthHwIf, 0);
+    expectField<VornBcClimateControlSupportS>(&VornBcCapabilityUnionU::boardClimate, 0);
     EXPECT_TRUE((std::is_same_v<VornBcCapabilityUnionChoiceE, S16>));
 }
 
 TEST(CapabilityCfm, StructuresOfTheMembersHaveTheLayoutOfTheSignal)
 {
     EXPECT_EQ(sizeof(VornBcLoadingSupportS), 12U);
-    EXPECT_FIELD(VornBcLoadingSupportS, loadable, 0, VornConstHwuGeneralE);
-    EXPECT_FIELD(VornBcLoadingSupportS, flash, 2, VornConstHwuGeneralE);
-    EXPECT_FIELD(VornBcLoadingSupportS, fileSystemAccess, 4, VornConstHwuGeneralE);
-    EXPECT_FIELD(VornBcLoadingSupportS, padding0, 6, U16);
-    EXPECT_FIELD(VornBcLoadingSupportS, blockSize, 8, S32);
+    expectField<VornConstHwuGeneralE>(&VornBcLoadingSupportS::loadable, 0);
+    expectField<VornConstHwuGeneralE>(&VornBcLoadingSupportS::flash, 2);
+    expectField<VornConstHwuGeneralE>(&VornBcLoadingSupportS::fileSystemAccess, 4);
+    expectField<U16>(&VornBcLoadingSupportS::padding0, 6);
+    expectField<S32>(&VornBcLoadingSupportS::blockSize, 8);
     EXPECT_TRUE((std::is_same_v<VornConstHwuGeneralE, S16>));
     EXPECT_EQ(sizeof(VornBcEthTermSupportS), 20U);
-    EXPECT_FIELD(VornBcEthTermSupportS, numOfEthTermHosts, 0, U16);
-    EXPECT_FIELD(VornBcEthTermSupportS, padding0, 2, U16);
-    EXPECT_FIELD(VornBcEthTermSupportS, ethTermHostParam, 4, VornBcEthTermHostParamsS[4]);
+    expectField<U16>(&VornBcEthTermSupportS::numOfEthTermHosts, 0);
+    expectField<U16>(&VornBcEthTermSupportS::padding0, 2);
+    expectField<VornBcEthTermHostParamsS[4]>(&VornBcEthTermSupportS::ethTermHostParam, 4);
     EXPECT_EQ(sizeof(VornBcEthTermHostParamsS), 4U);
-    EXPECT_FIELD(VornBcEthTermHostParamsS, snid, 0, U16);
-    EXPECT_FIELD(VornBcEthTermHostParamsS, termRole, 2, VornBcEthTermRoleE);
+    expectField<U16>(&VornBcEthTermHostParamsS::snid, 0);
+    expectField<VornBcEthTermRoleE>(&VornBcEthTermHostParamsS::termRole, 2);
     EXPECT_TRUE((std::is_same_v<VornBcEthTermRoleE, S16>));
     EXPECT_EQ(sizeof(VornBcEthHwIfSupportS), 84U);
-    EXPECT_FIELD(VornBcEthHwIfSupportS, localSwitchPortNr, 0, U16);
-    EXPECT_FIELD(VornBcEthHwIfSupportS, numOfEthLinks, 2, U16);
-    EXPECT_FIELD(VornBcEthHwIfSupportS, ethLinkParam, 4, VornBcEthLinkParamS[10]);
+    expectField<U16>(&VornBcEthHwIfSupportS::localSwitchPortNr, 0);
+    expectField<U16>(&VornBcEthHwIfSupportS::numOfEthLinks, 2);
+    expectField<VornBcEthLinkParamS[10]>(&VornBcEthHwIfSupportS::ethLinkParam, 4);
     EXPECT_EQ(sizeof(VornBcEthLinkParamS), 8U);
-    EXPECT_FIELD(VornBcEthLinkParamS, portNr, 0, U32);
-    EXPECT_FIELD(VornBcEthLinkParamS, snid, 4, U16);
-    EXPECT_FIELD(VornBcEthLinkParamS, bandWidth, 6, U8);
-    EXPECT_FIELD(VornBcEthLinkParamS, direction, 7, U8);
+    expectField<U32>(&VornBcEthLinkParamS::portNr, 0);
+    expectField<U16>(&VornBcEthLinkParamS::snid, 4);
+    expectField<U8>(&VornBcEthLinkParamS::bandWidth, 6);
+    expectField<U8>(&VornBcEthLinkParamS::direction, 7);
     EXPECT_EQ(sizeof(VornBcClimateControlSupportS), 84U);
-    EXPECT_FIELD(VornBcClimateControlSupportS, numOfHotspotTempSensors, 0, U16);
-    EXPECT_FIELD(VornBcClimateControlSupportS, padding0, 2, U16);
-    EXPECT_FIELD(VornBcClimateControlSupportS, hotspotParamList, 4, VornBcHotspotParamListS[10]);
+    expectField<U16>(&VornBcClimateControlSupportS::numOfHotspotTempSensors, 0);
+    expectField<U16>(&VornBcClimateControlSupportS::padding0, 2);
+    expectField<VornBcHotspotParamListS[10]>(&VornBcClimateControlSupportS::hotspotParamList, 4);
     EXPECT_EQ(sizeof(VornBcHotspotParamListS), 8U);
-    EXPECT_FIELD(VornBcHotspotParamListS, setPoint, 0, S16);
-    EXPECT_FIELD(VornBcHotspotParamListS, coolingGain, 2, S16);
-    EXPECT_FIELD(VornBcHotspotParamListS, timeConstant, 4, U16);
-    EXPECT_FIELD(VornBcHotspotParamListS, padding0, 6, U16);
+    expectField<S16>(&VornBcHotspotParamListS::setPoint, 0);
+    expectField<S16>(&VornBcHotspotParamListS::coolingGain, 2);
+    expectField<U16>(&VornBcHotspotParamListS::timeConstant, 4);
+    expectField<U16>(&VornBcHotspotParamListS::padding0, 6);
 }
 
 TEST(CapabilityCfm, SignalNumberHasAName)
@@ -396,38 +368,28 @@ TEST(CapabilityCfm, SignalNumberHasAName)
 
 TEST(CapabilityCfm, EveryMessageOwnsABlockOf192Bytes)
 {
-    std::vector<char> distinct(kSize);
-    for (std::size_t i = 0; i < kSize; ++i)
-    {
-        distinct[i] = static_cast<char>(i);
-    }
-    const auto one = garbled();
-    const auto other = garbled();
+    const auto one = filled<BciCapabilityCfmMsg>(kSize);
+    const auto other = filled<BciCapabilityCfmMsg>(kSize);
     const char* const block = one->getMsg();
 
-    one->setMsg(distinct.data());
+    expectSetMsgCopies(*one, kSize);
 
     EXPECT_EQ(one->getMsg(), block);
     EXPECT_EQ(block, reinterpret_cast<const char*>(one->m_bciCapabilityCfmMsg));
-    EXPECT_EQ(held(*one), std::string(distinct.begin(), distinct.end()));
     EXPECT_NE(other->getMsg(), block);
-    EXPECT_EQ(held(*other), std::string(kSize, kFill));
+    EXPECT_EQ(structureOf(*other, kSize), std::string(kSize, kFill));
     EXPECT_TRUE(
         (std::is_same_v<decltype(BciCapabilityCfmMsg::m_bciCapabilityCfmMsg), VornBcGetCapabilitiesCfmS*>));
 }
 
-// The C library gives the block that was freed last out again, as it was but for its first bytes; a sanitizer
-// fills new blocks with a value of its own.
 TEST(CapabilityCfm, ConstructorLeavesItsBlockAsItWas)
 {
-    garbled().reset();
+    const FilledHeap heap;
 
-    const BciCapabilityCfmMsg capabilities(23429128);
+    const auto capabilities = heap.make<BciCapabilityCfmMsg>(23429128, kSize);
 
-    const std::string block = held(capabilities);
-    EXPECT_NE(block.back(), '\0');
-    EXPECT_EQ(block.substr(16), std::string(kSize - 16, block.back()));
-    EXPECT_NE(capabilities.getSigNo(), 23429128U);
+    EXPECT_EQ(structureOf(*capabilities, kSize), std::string(kSize, heap.fill()));
+    EXPECT_NE(capabilities->getSigNo(), 23429128U);
 }
 
 TEST(CapabilityCfm, AccessorsAnswerFromTheBlock)
@@ -526,20 +488,13 @@ TEST(CapabilityCfm, ReadersRejectAnIdentityThatSelectsNothing)
         const std::string index = std::to_string(list.size() - 1);
         const std::string identity = std::to_string(list.back().identity);
         SCOPED_TRACE(text);
-        auto capabilities = garbled();
-        EXPECT_EQ(readText(*capabilities, text + "1:12:"), (Read{false, 0, sizeOf(text)}));
-        EXPECT_EQ(held(*capabilities), blockOf(numbers, '\0'));
-        EXPECT_EQ(takeLog(),
-                  error("[src/bciCapabilityMsg:687] The boardCapabilityIdentiy %d is invalid", {identity}));
-        EXPECT_EQ(readBinary(*capabilities, binary + std::string(172, '\1')), (Read{false, 0, sizeOf(binary)}));
-        EXPECT_EQ(held(*capabilities), blockOf(numbers, '\0'));
-        EXPECT_EQ(takeLog(),
-                  error("[src/bciCapabilityMsg:837] The boardCapabilityIdentiy %d is invalid", {identity}));
-        capabilities = garbled();
-        EXPECT_EQ(readXml(*capabilities, xmlForm(numbers)), (Read{false, 0, 0}));
-        EXPECT_EQ(held(*capabilities), blockOf(numbers, kFill));
-        EXPECT_EQ(takeLog(), info("[src/bciCapabilityMsg:1122] The boardCapabilityIdentity %d (%d) is invalid",
-                                  {index, identity}));
+        expectRead(readText, text + "1:12:", {false, 0, sizeOf(text)}, blockOf(numbers, '\0'),
+                   error("[src/bciCapabilityMsg:687] The boardCapabilityIdentiy %d is invalid", {identity}));
+        expectRead(readBinary, binary + std::string(172, '\1'), {false, 0, sizeOf(binary)}, blockOf(numbers, '\0'),
+                   error("[src/bciCapabilityMsg:837] The boardCapabilityIdentiy %d is invalid", {identity}));
+        expectRead(
+            readXml, xmlForm(numbers), {false, 0, 0}, blockOf(numbers, kFill),
+            info("[src/bciCapabilityMsg:1122] The boardCapabilityIdentity %d (%d) is invalid", {index, identity}));
     }
 }
 
@@ -571,13 +526,7 @@ TEST(CapabilityCfmText, WritesEveryListOrItsBeginning)
     {
         const std::string text = textForm(message(list)) + (list.empty() ? ":" : "");
         SCOPED_TRACE(text);
-        const auto capabilities = holding(message(list));
-        for (unsigned int size = 0; size < text.size(); ++size)
-        {
-            EXPECT_EQ(writeText(*capabilities, size), (Written{true, text.substr(0, size), 3}));
-        }
-        EXPECT_EQ(writeText(*capabilities, sizeOf(text)), (Written{true, text, 1}));
-        EXPECT_EQ(writeText(*capabilities, sizeOf(text) + 1), (Written{true, text, 0}));
+        expectBeginnings(writeText, *holding(message(list)), text);
     }
 }
 
@@ -586,12 +535,8 @@ TEST(CapabilityCfmText, ReadsEveryListIntoAClearedBlock)
     for (const List& list : lists(overstated(kOverstated)))
     {
         const std::string text = textForm(message(list));
-        SCOPED_TRACE(text);
-        const auto capabilities = garbled();
-        EXPECT_EQ(readText(*capabilities, text), (Read{true, 1, sizeOf(text)}));
-        EXPECT_EQ(held(*capabilities), blockOf(message(list), '\0'));
-        EXPECT_EQ(readText(*capabilities, text + ":9:"), (Read{true, 0, sizeOf(text)}));
-        EXPECT_EQ(held(*capabilities), blockOf(message(list), '\0'));
+        expectRead(readText, text, {true, 1, sizeOf(text)}, blockOf(message(list), '\0'));
+        expectRead(readText, text + ":9:", {true, 0, sizeOf(text)}, blockOf(message(list), '\0'));
     }
 }
 
@@ -648,26 +593,19 @@ TEST(CapabilityCfmText, ReadsAsFarAsAShortDamagedOrRejectedTextGoes)
     };
     for (const auto& row : rows)
     {
-        SCOPED_TRACE(row.text);
-        std::string expected = blockOf(message({}), '\0').substr(0, row.header);
+        std::string block = hostHeader(23429128, 1, -2).substr(0, row.header);
         for (const U16 word : row.words)
         {
-            expected += hostOrder(word);
+            block += host16(word);
         }
-        const auto capabilities = garbled();
-        EXPECT_EQ(readText(*capabilities, row.text), row.expected);
-        EXPECT_EQ(held(*capabilities), expected + zeros(kSize - expected.size()));
-        EXPECT_EQ(takeLog(), row.log);
+        expectRead(readText, row.text, row.expected, block + zeros(kSize - block.size()), row.log);
     }
 }
 
 TEST(CapabilityCfmText, AnyCharacterPassesAsADelimiter)
 {
-    const auto capabilities = garbled();
-
-    EXPECT_EQ(readText(*capabilities, "23429128;1 -2\n1|7<1/12_32767z-32768?-1~65535%-2147483647\t9"),
-              (Read{true, 0, 57}));
-    EXPECT_EQ(held(*capabilities), blockOf(message({kLoading}), '\0'));
+    expectRead(readText, "23429128;1 -2\n1|7<1/12_32767z-32768?-1~65535%-2147483647\t9", {true, 0, 57},
+               blockOf(message({kLoading}), '\0'));
 }
 
 // Binary form
@@ -682,12 +620,8 @@ TEST(CapabilityCfmBinary, WritesAndReadsEveryList)
         EXPECT_EQ(binary.size(), 16 + 88 * list.size());
         EXPECT_EQ(writeBinary(*sender, sizeOf(binary)), (Written{true, binary, 1}));
         EXPECT_EQ(writeBinary(*sender), (Written{true, binary, 0}));
-
-        const auto receiver = garbled();
-        EXPECT_EQ(readBinary(*receiver, binary), (Read{true, 1, sizeOf(binary)}));
-        EXPECT_EQ(held(*receiver), blockOf(message(list), '\0'));
-        EXPECT_EQ(readBinary(*receiver, binary + "#"), (Read{true, 0, sizeOf(binary)}));
-        EXPECT_EQ(held(*receiver), blockOf(message(list), '\0'));
+        expectRead(readBinary, binary, {true, 1, sizeOf(binary)}, blockOf(message(list), '\0'));
+        expectRead(readBinary, binary + "#", {true, 0, sizeOf(binary)}, blockOf(message(list), '\0'));
     }
 }
 
@@ -732,14 +666,11 @@ TEST(CapabilityCfmBinary, ReadsAsFarAsAShortFormGoes)
             }
             const bool result = whole < 14 || list.empty() || whole >= 18 + 88 * (list.size() - 1);
             const unsigned int status = size == 0 ? 3 : whole == size ? 1 : 2;
-            const auto capabilities = garbled();
-            EXPECT_EQ(readBinary(*capabilities, binary.substr(0, size)),
-                      (Read{result, status, static_cast<unsigned int>(whole)}));
-            EXPECT_EQ(held(*capabilities), block.substr(0, whole) + zeros(kSize - whole));
-            EXPECT_EQ(takeLog(),
-                      result
-                          ? Log{}
-                          : error("[src/bciCapabilityMsg:837] The boardCapabilityIdentiy %d is invalid", {"0"}));
+            expectRead(readBinary, binary.substr(0, size), {result, status, static_cast<unsigned int>(whole)},
+                       block.substr(0, whole) + zeros(kSize - whole),
+                       result
+                           ? Log{}
+                           : error("[src/bciCapabilityMsg:837] The boardCapabilityIdentiy %d is invalid", {"0"}));
         }
     }
 }
@@ -759,10 +690,9 @@ TEST(CapabilityCfmBinary, ReadsTheWholeMemberAndDiscardsWhatFollowsIt)
             SCOPED_TRACE(testing::Message() << row.identity << (start == 0 ? " without" : " with") << " elements");
             const Numbers head = message({{row.identity, 5, {}}});
             const std::string content = std::string(4, start) + std::string(80, '\x33');
-            const auto capabilities = garbled();
-            EXPECT_EQ(readBinary(*capabilities, binaryForm(head) + content), (Read{true, 1, 104}));
-            EXPECT_EQ(held(*capabilities), blockOf(head, '\0').substr(0, 20) + content.substr(0, row.size) +
-                                               zeros(kSize - 20 - row.size));
+            expectRead(readBinary, binaryForm(head) + content, {true, 1, 104},
+                       blockOf(head, '\0').substr(0, 20) + content.substr(0, row.size) +
+                           zeros(kSize - 20 - row.size));
         }
     }
 }
@@ -774,12 +704,12 @@ TEST(CapabilityCfmBinary, ReaderKeepsACountAboveTwoAndReadsTwo)
     for (const std::size_t count : {3U, 65535U})
     {
         const Numbers numbers = message({sensors(10), hosts(4)}, count);
-        const auto capabilities = holding(message({}, count));
-        EXPECT_EQ(readBinary(*capabilities, binaryForm(numbers)), (Read{true, 1, 192}));
-        EXPECT_EQ(held(*capabilities), blockOf(numbers, '\0'));
-        EXPECT_EQ(readBinary(*capabilities, binaryForm(numbers) + bytes({0, 1}) + zeros(86)),
-                  (Read{true, 0, 192}));
-        EXPECT_EQ(held(*capabilities), blockOf(numbers, '\0'));
+        const std::string before = blockOf(message({}, count), kFill);
+        const std::string after = blockOf(numbers, '\0');
+        const auto capabilities = holding(numbers);
+        expectReading(*capabilities, readBinary, before, {binaryForm(numbers), {true, 1, 192}, after});
+        expectReading(*capabilities, readBinary, after,
+                      {binaryForm(numbers) + bytes({0, 1}) + zeros(86), {true, 0, 192}, after});
     }
 }
 
@@ -791,13 +721,7 @@ TEST(CapabilityCfmXml, WritesEveryListOrItsBeginning)
     {
         const std::string xml = xmlForm(message(list));
         SCOPED_TRACE(textForm(message(list)));
-        const auto capabilities = holding(message(list));
-        for (unsigned int size = 0; size < xml.size(); size += 7)
-        {
-            EXPECT_EQ(writeXml(*capabilities, size), (Written{true, xml.substr(0, size), 3}));
-        }
-        EXPECT_EQ(writeXml(*capabilities, sizeOf(xml)), (Written{true, xml, 1}));
-        EXPECT_EQ(writeXml(*capabilities, sizeOf(xml) + 1), (Written{true, xml, 0}));
+        expectBeginnings(writeXml, *holding(message(list)), xml, 7);
     }
 }
 
@@ -815,10 +739,7 @@ TEST(CapabilityCfmXml, ReadsEveryListAndKeepsTheRest)
                 log.push_back({6, "[src/bciCapabilityMsg:1118] cap %d nothing to do", {"3"}});
             }
         }
-        const auto capabilities = garbled();
-        EXPECT_EQ(readXml(*capabilities, xmlForm(message(list))), (Read{true, 0, 0}));
-        EXPECT_EQ(held(*capabilities), blockOf(message(list), kFill));
-        EXPECT_EQ(takeLog(), log);
+        expectRead(readXml, xmlForm(message(list)), {true, 0, 0}, blockOf(message(list), kFill), log);
     }
 }
 
@@ -829,30 +750,18 @@ TEST(CapabilityCfmXml, OrderAndLayoutOfTheElementsDoNotMatter)
     std::string xml = element("snid_1_10", "9") + element("snid_1", "9") + "<capabilities>" + xmlForm(numbers) +
                       "</capabilities>" + xmlForm(message({kLoading, kLoading}));
     std::replace(xml.begin(), xml.end(), '\t', ' ');
-    const auto capabilities = garbled();
-
-    EXPECT_EQ(readXml(*capabilities, xml), (Read{true, 0, 0}));
-    EXPECT_EQ(held(*capabilities), blockOf(message({kInterface, kTermination}), kFill));
+    expectRead(readXml, xml, {true, 0, 0}, blockOf(message({kInterface, kTermination}), kFill));
 }
 
 TEST(CapabilityCfmXml, StateOfTheStreamDoesNotMatter)
 {
-    std::string xml = xmlForm(message({kLoading}));
-    const auto capabilities = garbled();
-    istream_text stream;
-    stream.attachBuffer(xml.data(), sizeOf(xml));
-    stream.seekg(30U);
-    stream.setfail();
+    expectRead(readXmlOffAFailedStream, xmlForm(message({kLoading})), {true, 2, 20},
+               blockOf(message({kLoading}), kFill));
 
-    EXPECT_TRUE(capabilities->deserializeBciMsgFromXml(stream));
-    EXPECT_EQ(held(*capabilities), blockOf(message({kLoading}), kFill));
-    EXPECT_EQ(stream.tellg(), 30U);
-    EXPECT_EQ(stream.status(), 2U);
-
-    const auto untouched = garbled();
-    istream_text detached;
+    const auto untouched = filled<BciCapabilityCfmMsg>(kSize);
+    commonStream::istream_text detached;
     EXPECT_FALSE(untouched->deserializeBciMsgFromXml(detached));
-    EXPECT_EQ(held(*untouched), std::string(kSize, kFill));
+    EXPECT_EQ(structureOf(*untouched, kSize), std::string(kSize, kFill));
     EXPECT_EQ(takeLog(), info("[src/bciCapabilityMsg:858] tag %s not found", {"sigNo"}));
 }
 
@@ -861,21 +770,20 @@ TEST(CapabilityCfmXml, StopsAtTheFirstMissingElement)
 {
     for (const List& list : {List{kLoading, hosts(4)}, List{links(10), sensors(10)}})
     {
-        for (const Number& missing : message(list))
+        std::vector<Missing> elements;
+        std::size_t offset = 0;
+        for (const Number& number : message(list))
         {
-            if (missing.name.empty())
+            if (!number.name.empty())
             {
-                continue;
+                elements.push_back({number.name,
+                                    "[src/bciCapabilityMsg:" + std::to_string(number.line) + "] tag %s not found",
+                                    offset});
             }
-            SCOPED_TRACE(missing.name);
-            const std::string xml = without(xmlForm(message(list)), missing.name);
-            const auto capabilities = garbled();
-            EXPECT_EQ(readXml(*capabilities, xml), (Read{false, 0, 0}));
-            EXPECT_EQ(held(*capabilities), blockOf(before(message(list), missing.name), kFill));
-            EXPECT_EQ(takeLog(),
-                      info("[src/bciCapabilityMsg:" + std::to_string(missing.line) + "] tag %s not found",
-                           {missing.name}));
+            offset += number.width;
         }
+        expectEachMissingElementStopsTheReader<BciCapabilityCfmMsg>(xmlForm(message(list)),
+                                                                    blockOf(message(list), kFill), elements);
     }
 }
 
@@ -890,12 +798,10 @@ TEST(CapabilityCfmXml, ReaderRejectsACountAboveTwo)
     for (const auto& row : rows)
     {
         SCOPED_TRACE(row.content);
-        const auto capabilities = garbled();
-        EXPECT_EQ(readXml(*capabilities, headerElements("23429128", "1", "-2") +
-                                             element("numberOfBoardCapabilities", row.content)),
-                  (Read{false, 0, 0}));
-        EXPECT_EQ(held(*capabilities), blockOf(before(message({}, row.count), "padding0"), kFill));
-        EXPECT_EQ(takeLog(), info("[src/bciCapabilityMsg:886] %d > %d", {std::to_string(row.count), "2"}));
+        expectRead(readXml,
+                   headerElements("23429128", "1", "-2") + element("numberOfBoardCapabilities", row.content),
+                   {false, 0, 0}, blockOf(before(message({}, row.count), "padding0"), kFill),
+                   info("[src/bciCapabilityMsg:886] %d > %d", {std::to_string(row.count), "2"}));
     }
 }
 
@@ -910,13 +816,12 @@ TEST(CapabilityCfmXml, ReaderRejectsMoreThanTenSensors)
     {
         SCOPED_TRACE(row.content);
         const Numbers numbers = message({kLoading, sensors(row.count)});
-        const auto capabilities = garbled();
-        EXPECT_EQ(readXml(*capabilities, xmlForm(before(numbers, "numOfHotspotTempSensors")) +
-                                             element("numOfHotspotTempSensors", row.content)),
-                  (Read{false, 0, 0}));
-        EXPECT_EQ(held(*capabilities), blockOf(before(numbers, "climateControlPadding0"), kFill));
-        EXPECT_EQ(takeLog(), info("[src/bciCapabilityMsg:1063] numOfHotspotTempSensors %d > %d",
-                                  {std::to_string(row.count), "10"}));
+        expectRead(readXml,
+                   xmlForm(before(numbers, "numOfHotspotTempSensors")) +
+                       element("numOfHotspotTempSensors", row.content),
+                   {false, 0, 0}, blockOf(before(numbers, "climateControlPadding0"), kFill),
+                   info("[src/bciCapabilityMsg:1063] numOfHotspotTempSensors %d > %d",
+                        {std::to_string(row.count), "10"}));
     }
 }
 
@@ -953,21 +858,18 @@ TEST(CapabilityCfmXml, WriterRejectsElementsThatTheArrayCannotHold)
 // The names of numbers that stand once in a capability have no index.
 TEST(CapabilityCfmXml, SecondCapabilityOfAnIdentityReceivesTheFirstOnesNumbers)
 {
-    const auto capabilities = garbled();
     const Capability second = loading(34, {1, 2, 3, 4, 5});
     EXPECT_EQ(writeXml(*holding(message({kLoading, second}))),
               (Written{true, xmlForm(message({kLoading, second})), 0}));
-    EXPECT_EQ(readXml(*capabilities, xmlForm(message({kLoading, second}))), (Read{true, 0, 0}));
-    EXPECT_EQ(held(*capabilities),
-              blockOf(message({kLoading, loading(34, {32767, -32768, -1, 65535, -2147483647})}), kFill));
+    expectRead(readXml, xmlForm(message({kLoading, second})), {true, 0, 0},
+               blockOf(message({kLoading, loading(34, {32767, -32768, -1, 65535, -2147483647})}), kFill));
 
     // Four hosts, of which the first capability's number lets two through.
-    capabilities->setMsg(std::string(kSize, kFill).data());
-    EXPECT_EQ(readXml(*capabilities, xmlForm(message({kTermination, hosts(4)}))), (Read{true, 0, 0}));
-    EXPECT_EQ(held(*capabilities),
-              blockOf(message({kTermination, termination(2, {{101, -1}, {102, -2}})}), kFill));
+    const std::string two = blockOf(message({kTermination, termination(2, {{101, -1}, {102, -2}})}), kFill);
+    expectRead(readXml, xmlForm(message({kTermination, hosts(4)})), {true, 0, 0}, two);
 
     // Two hosts, where the first capability's number wants four.
+    const auto capabilities = holding<BciCapabilityCfmMsg>(two);
     EXPECT_EQ(readXml(*capabilities, xmlForm(message({hosts(4), kTermination}))), (Read{false, 0, 0}));
     EXPECT_EQ(takeLog(), info("[src/bciCapabilityMsg:980] tag %s not found", {"snid_1_2"}));
 }
@@ -1010,8 +912,6 @@ TEST(CapabilityCfmXml, NumbersAreTruncatedToTheirFields)
             number.value = number.name == row.name ? row.value : number.value;
         }
     }
-    const auto capabilities = garbled();
 
-    EXPECT_EQ(readXml(*capabilities, xml + xmlForm(message({kLoading, kInterface}))), (Read{true, 0, 0}));
-    EXPECT_EQ(held(*capabilities), blockOf(numbers, kFill));
+    expectRead(readXml, xml + xmlForm(message({kLoading, kInterface})), {true, 0, 0}, blockOf(numbers, kFill));
 }

@@ -7,10 +7,7 @@
 #include <cstddef>
 #include <cstring>
 #include <initializer_list>
-#include <memory>
-#include <new>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 namespace
@@ -20,17 +17,6 @@ using namespace std::string_literals;
 using GetReq = BciHwLogGetReqMsg;
 using SetReq = BciHwLogSetReqMsg;
 using GetCfm = BciHwLogGetCfmMsg;
-
-template <typename...>
-struct Types;
-
-template <typename Message>
-std::unique_ptr<Message> messageOf(const std::string& structure)
-{
-    auto message = filled<Message>(structure.size());
-    message->setMsg(structure.data());
-    return message;
-}
 
 std::string x(std::size_t count)
 {
@@ -47,38 +33,35 @@ std::string times(std::size_t count, const std::string& text)
     return result;
 }
 
-// The 424 bytes of a log: what it holds first, and 'Z' behind it.
+// The 424 bytes of a log: what it holds first, and kFill behind it.
 std::string logData(const std::string& first)
 {
-    return first + std::string(424 - first.size(), 'Z');
+    return filledUp(first, 424);
 }
 
-std::string getReq(U32 sigNo, U32 clientRef, U32 serverRef, U32 logId)
+std::string getReq(SIGSELECT sigNo, S32 clientRef, S32 serverRef, U32 logId)
 {
-    return firstWord(sigNo) + firstWord(clientRef) + firstWord(serverRef) + firstWord(logId);
+    return hostHeader(sigNo, clientRef, serverRef) + inMemory(logId);
 }
 
 std::string setReq(U32 length, const std::string& data)
 {
-    const U16 padding0 = 7;
-    return firstWord(23433738) + firstWord(1) + firstWord(0xFFFFFFFE) + "20240131\0ZZZZZ"s +
-           std::string(reinterpret_cast<const char*>(&padding0), 2) + firstWord(9) + firstWord(length) +
+    return hostHeader(23433738, 1, -2) + "20240131\0ZZZZZ"s + host16(7) + inMemory<U32>(9) + inMemory(length) +
            logData(data);
 }
 
 std::string getCfm(U32 length, const std::string& data)
 {
-    return firstWord(23433742) + firstWord(1) + firstWord(0xFFFFFFFE) + firstWord(length) + logData(data);
+    return hostHeader(23433742, 1, -2) + inMemory(length) + logData(data);
 }
 
 // What stands in front of the length.
 const std::string kSetReqText = "23433738:1:-2:20240131:7:9:";
-const std::string kSetReqBinary =
-    firstWord(23433738) + be32(1) + be32(0xFFFFFFFE) + "20240131\0ZZZZZ"s + be16(7) + be32(9);
+const std::string kSetReqBinary = binaryHeader(23433738, 1, -2) + "20240131\0ZZZZZ"s + be16(7) + be32(9);
 const std::string kSetReqXml = headerElements("23433738", "1", "-2") + element("dateTime", "20240131") +
                                element("padding0", "7") + element("logId", "9");
 const std::string kGetCfmText = "23433742:1:-2:";
-const std::string kGetCfmBinary = firstWord(23433742) + be32(1) + be32(0xFFFFFFFE);
+const std::string kGetCfmBinary = binaryHeader(23433742, 1, -2);
 const std::string kGetCfmXml = headerElements("23433742", "1", "-2");
 
 // The elements of a length and of entries.
@@ -105,65 +88,15 @@ struct Row
 };
 
 template <typename Message>
-void expectReads(Read (*read)(BciMessageBase&, const std::string&), const std::string& front,
-                 std::string (*structure)(U32, const std::string&), std::initializer_list<Row> rows)
+void expectReads(Reader reader, const std::string& front, std::string (*structure)(U32, const std::string&),
+                 std::initializer_list<Row> rows)
 {
     for (const Row& row : rows)
     {
         SCOPED_TRACE(testing::PrintToString(row.rendering));
-        const std::string expected = structure(row.length, row.data);
-        const auto message = filled<Message>(expected.size());
-        EXPECT_EQ(read(*message, front + row.rendering), row.read);
-        EXPECT_EQ(structureOf(*message, expected.size()), expected);
-        EXPECT_EQ(takeLog(), row.log);
+        const std::string after = structure(row.length, row.data);
+        expectReadings<Message>(reader, after.size(), {{front + row.rendering, row.read, after, row.log}});
     }
-}
-
-struct Element
-{
-    std::string tag;
-    std::size_t offset;
-    std::string line;
-};
-
-// Leaves out one element after the other: what precedes it is read as `whole` has it, the rest stays.
-template <typename Message>
-void expectEachMissingElementToStopTheReader(const std::string& document, const std::string& whole,
-                                             std::initializer_list<Element> elements)
-{
-    for (const auto& [tag, offset, line] : elements)
-    {
-        SCOPED_TRACE(tag);
-        const auto message = filled<Message>(whole.size());
-        EXPECT_EQ(readXml(*message, without(document, tag)), (Read{false, 0, 0}));
-        EXPECT_EQ(structureOf(*message, whole.size()),
-                  whole.substr(0, offset) + std::string(whole.size() - offset, 'Z'));
-        EXPECT_EQ(takeLog(), (Log{{6, "[src/bciHwMsg:" + line + "] tag %s not found", {tag}}}));
-    }
-}
-
-template <typename Message>
-void expectPlainHolder(std::size_t size)
-{
-    SCOPED_TRACE(size);
-    alignas(Message) unsigned char storage[sizeof(Message)];
-    std::memset(storage, 'Z', sizeof storage);
-    Message* const message = new (storage) Message(1);
-    EXPECT_EQ(structureOf(*message, size), std::string(size, 'Z'));
-    const std::vector<char> source(size, 's'); // not a byte more
-    message->setMsg(source.data());
-    EXPECT_EQ(structureOf(*message, size), std::string(size, 's'));
-    message->~Message();
-}
-
-void expectAccessors(BciMessageBase& message, SIGSELECT sigNo, unsigned int textSize, unsigned int binarySize)
-{
-    EXPECT_EQ(message.getSigNo(), sigNo);
-    EXPECT_EQ(message.getAddressInfo().clientRef, 1);
-    EXPECT_EQ(message.getAddressInfo().serverRef, -2);
-    EXPECT_EQ(message.getMaxTextBufferSize(), textSize);
-    EXPECT_EQ(message.getMaxBinaryBufferSize(), binarySize);
-    EXPECT_EQ(message.getDelim(), ':');
 }
 
 // Entry, place and length of what does not fit.
@@ -200,56 +133,37 @@ TEST(HwLog, WireStructuresHaveTheLayoutOfTheirSignals)
     using Get = VornBcHwLogGetReqS;
     using Set = VornBcHwLogSetReqS;
     using Cfm = VornBcHwLogGetCfmS;
-    using Offsets = std::vector<std::size_t>;
-    EXPECT_EQ((Offsets{offsetof(Get, sigNo), offsetof(Get, addressInfo), offsetof(Get, logId), sizeof(Get)}),
-              (Offsets{0, 4, 12, 16}));
-    EXPECT_EQ((Offsets{offsetof(Set, sigNo), offsetof(Set, addressInfo), offsetof(Set, dateTime),
-                       offsetof(Set, padding0), offsetof(Set, logId), offsetof(Set, length),
-                       offsetof(Set, hwLogData), sizeof(Set)}),
-              (Offsets{0, 4, 12, 26, 28, 32, 36, 460}));
-    EXPECT_EQ((Offsets{offsetof(Cfm, sigNo), offsetof(Cfm, addressInfo), offsetof(Cfm, length),
-                       offsetof(Cfm, hwLogData), sizeof(Cfm)}),
-              (Offsets{0, 4, 12, 16, 440}));
-    EXPECT_TRUE((std::is_same_v<Types<decltype(Get::sigNo), decltype(Get::addressInfo), decltype(Get::logId)>,
-                                Types<SIGSELECT, VornNodeCommonAddressInfoS, U32>>));
-    EXPECT_TRUE(
-        (std::is_same_v<
-            Types<decltype(Set::sigNo), decltype(Set::addressInfo), decltype(Set::dateTime),
-                  decltype(Set::padding0), decltype(Set::logId), decltype(Set::length), decltype(Set::hwLogData)>,
-            Types<SIGSELECT, VornNodeCommonAddressInfoS, U8[14], U16, U32, U32, U8[424]>>));
-    EXPECT_TRUE((std::is_same_v<Types<decltype(Cfm::sigNo), decltype(Cfm::addressInfo), decltype(Cfm::length),
-                                      decltype(Cfm::hwLogData)>,
-                                Types<SIGSELECT, VornNodeCommonAddressInfoS, U32, U8[424]>>));
+    expectSignal<Get>(16);
+    expectField<U32>(&Get::logId, 12);
+    expectSignal<Set>(460);
+    expectField<U8[14]>(&Set::dateTime, 12);
+    expectField<U16>(&Set::padding0, 26);
+    expectField<U32>(&Set::logId, 28);
+    expectField<U32>(&Set::length, 32);
+    expectField<U8[424]>(&Set::hwLogData, 36);
+    expectSignal<Cfm>(440);
+    expectField<U32>(&Cfm::length, 12);
+    expectField<U8[424]>(&Cfm::hwLogData, 16);
 }
 
 TEST(HwLog, MessagesHoldTheirStructuresAndNothingElse)
 {
-    expectPlainHolder<GetReq>(16);
-    expectPlainHolder<SetReq>(460);
-    expectPlainHolder<GetCfm>(440);
-    const auto get = messageOf<GetReq>(getReq(23433741, 1, 0xFFFFFFFE, 9));
-    const auto set = messageOf<SetReq>(setReq(0, ""));
-    const auto cfm = messageOf<GetCfm>(getCfm(0, ""));
-    expectAccessors(*get, 23433741, 46, 16);
-    expectAccessors(*set, 23433738, 1815, 460);
-    expectAccessors(*cfm, 23433742, 1742, 440);
-    EXPECT_EQ(get->getMsg(), reinterpret_cast<char*>(&get->m_hwLogGetReq));
-    EXPECT_EQ(set->getMsg(), reinterpret_cast<char*>(&set->m_hwLogSetReq));
-    EXPECT_EQ(cfm->getMsg(), reinterpret_cast<char*>(&cfm->m_hwLogGetCfm));
+    expectOwnStructure<GetReq, VornBcHwLogGetReqS>(&GetReq::m_hwLogGetReq, 46, 16);
+    expectOwnStructure<SetReq, VornBcHwLogSetReqS>(&SetReq::m_hwLogSetReq, 1815, 460);
+    expectOwnStructure<GetCfm, VornBcHwLogGetCfmS>(&GetCfm::m_hwLogGetCfm, 1742, 440);
 }
 
 // Get request
 
 TEST(HwLogGetReq, WritesItsThreeForms)
 {
-    const auto message = messageOf<GetReq>(getReq(23433741, 1, 0xFFFFFFFE, 9));
+    const auto message = holding<GetReq>(getReq(23433741, 1, -2, 9));
     EXPECT_EQ(writeText(*message), (Written{true, "23433741:1:-2:9:", 0}));
-    EXPECT_EQ(writeBinary(*message),
-              (Written{true, firstWord(23433741) + be32(1) + be32(0xFFFFFFFE) + be32(9), 0}));
+    EXPECT_EQ(writeBinary(*message), (Written{true, binaryHeader(23433741, 1, -2) + be32(9), 0}));
     EXPECT_EQ(writeXml(*message),
               (Written{true, headerElements("23433741", "1", "-2") + element("logId", "9"), 0}));
 
-    const auto longest = messageOf<GetReq>(getReq(4294967295, 0x80000000, 0x80000000, 4294967295));
+    const auto longest = holding<GetReq>(getReq(4294967295, kLowest, kLowest, 4294967295));
     const std::string text = "4294967295:-2147483648:-2147483648:4294967295:";
     EXPECT_EQ(writeText(*longest, 46), (Written{true, text, 1}));
     EXPECT_EQ(writeText(*longest, 45), (Written{true, text.substr(0, 45), 3}));
@@ -260,42 +174,40 @@ TEST(HwLogGetReq, WritesItsThreeForms)
 
 TEST(HwLogGetReq, ReadsTextAndBinaryIntoWhatIsThere)
 {
-    const std::string whole = firstWord(23433741) + be32(1) + be32(0xFFFFFFFE) + be32(4294967295);
+    const std::string whole = binaryHeader(23433741, 1, -2) + be32(4294967295);
     const struct
     {
-        Read (*read)(BciMessageBase&, const std::string&);
+        Reader reader;
         std::string rendering;
         std::string structure; // afterwards
         unsigned int status;
         unsigned int position;
     } rows[] = {
-        {readText, "23433741:1:-2:9:", getReq(23433741, 1, 0xFFFFFFFE, 9), 1, 16},
+        {readText, "23433741:1:-2:9:", getReq(23433741, 1, -2, 9), 1, 16},
         {readText, "4294967295:2147483647:-2147483647:4294967295:",
-         getReq(4294967295, 0x7FFFFFFF, 0x80000001, 4294967295), 1, 45},
-        {readText, "23433741:1:-2:4294967296:", getReq(23433741, 1, 0xFFFFFFFE, 0), 1, 25},
-        {readText, "23433741:1:-2:-9:", getReq(23433741, 1, 0xFFFFFFFE, 9), 2, 16},
-        {readText, "23433741:1:-2:log:", getReq(23433741, 1, 0xFFFFFFFE, 70), 2, 14},
-        {readText, "23433741:1:-2:9", getReq(23433741, 1, 0xFFFFFFFE, 70), 3, 15},
+         getReq(4294967295, 2147483647, -2147483647, 4294967295), 1, 45},
+        {readText, "23433741:1:-2:4294967296:", getReq(23433741, 1, -2, 0), 1, 25},
+        {readText, "23433741:1:-2:-9:", getReq(23433741, 1, -2, 9), 2, 16},
+        {readText, "23433741:1:-2:log:", getReq(23433741, 1, -2, 70), 2, 14},
+        {readText, "23433741:1:-2:9", getReq(23433741, 1, -2, 70), 3, 15},
         {readText, "23433741:1:-2147483648:9:", getReq(23433741, 1, 60, 70), 2, 22},
         {readText, "", getReq(40, 50, 60, 70), 3, 0},
-        {readBinary, whole, getReq(23433741, 1, 0xFFFFFFFE, 4294967295), 1, 16},
-        {readBinary, whole + "Z", getReq(23433741, 1, 0xFFFFFFFE, 4294967295), 0, 16},
-        {readBinary, whole.substr(0, 15), getReq(23433741, 1, 0xFFFFFFFE, 70), 2, 12},
+        {readBinary, whole, getReq(23433741, 1, -2, 4294967295), 1, 16},
+        {readBinary, whole + "Z", getReq(23433741, 1, -2, 4294967295), 0, 16},
+        {readBinary, whole.substr(0, 15), getReq(23433741, 1, -2, 70), 2, 12},
         {readBinary, whole.substr(0, 8), getReq(23433741, 1, 60, 70), 1, 8},
     };
     for (const auto& row : rows)
     {
-        SCOPED_TRACE(testing::PrintToString(row.rendering));
-        const auto message = messageOf<GetReq>(getReq(40, 50, 60, 70));
-        EXPECT_EQ(row.read(*message, row.rendering), (Read{true, row.status, row.position}));
-        EXPECT_EQ(structureOf(*message, 16), row.structure);
+        expectReading(*filled<GetReq>(16), row.reader, getReq(40, 50, 60, 70),
+                      {row.rendering, {true, row.status, row.position}, row.structure});
     }
 }
 
 TEST(HwLogGetReq, ReadsXml)
 {
     const std::string document = headerElements("23433741", "1", "-2") + element("logId", "9");
-    const std::string expected = getReq(23433741, 1, 0xFFFFFFFE, 9);
+    const std::string expected = getReq(23433741, 1, -2, 9);
     const auto message = filled<GetReq>(16);
     EXPECT_EQ(readXml(*message, document), (Read{true, 0, 0}));
     EXPECT_EQ(structureOf(*message, 16), expected);
@@ -303,9 +215,11 @@ TEST(HwLogGetReq, ReadsXml)
     EXPECT_EQ(message->m_hwLogGetReq.logId, 2147483647U);
     EXPECT_EQ(readXml(*message, "<logId>-1</logId>" + document), (Read{true, 0, 0}));
     EXPECT_EQ(message->m_hwLogGetReq.logId, 4294967295U);
-    expectEachMissingElementToStopTheReader<GetReq>(
-        document, expected,
-        {{"sigNo", 0, "452"}, {"clientRef", 4, "459"}, {"serverRef", 8, "466"}, {"logId", 12, "473"}});
+    expectEachMissingElementStopsTheReader<GetReq>(document, expected,
+                                                   {{"sigNo", "[src/bciHwMsg:452] tag %s not found", 0},
+                                                    {"clientRef", "[src/bciHwMsg:459] tag %s not found", 4},
+                                                    {"serverRef", "[src/bciHwMsg:466] tag %s not found", 8},
+                                                    {"logId", "[src/bciHwMsg:473] tag %s not found", 12}});
 }
 
 // Set request
@@ -335,7 +249,7 @@ TEST(HwLogSetReq, WritesItsEntriesInsideTheLog)
     for (const auto& row : rows)
     {
         SCOPED_TRACE(row.lengthText + testing::PrintToString(row.data));
-        const auto message = messageOf<SetReq>(setReq(row.length, row.data));
+        const auto message = holding<SetReq>(setReq(row.length, row.data));
         std::string text = kSetReqText + row.lengthText + ":";
         for (const std::string& entry : row.entries)
         {
@@ -349,7 +263,7 @@ TEST(HwLogSetReq, WritesItsEntriesInsideTheLog)
 
 TEST(HwLogSetReq, WritesAnUnterminatedTimeUpToItsLastCharacter)
 {
-    const auto message = messageOf<SetReq>(std::string(36, '\xFF') + logData(""));
+    const auto message = holding<SetReq>(std::string(36, '\xFF') + logData(""));
     std::memset(message->m_hwLogSetReq.dateTime, 't', 14);
     message->m_hwLogSetReq.length = 0;
     EXPECT_EQ(writeText(*message), (Written{true, "4294967295:-1:-1:tttttttttttttt:65535:4294967295:0:", 0}));
@@ -360,17 +274,27 @@ TEST(HwLogSetReq, WritesAnUnterminatedTimeUpToItsLastCharacter)
                        0}));
 }
 
+// The longest XML of all messages: as many entries as there is room for, all of them empty.
+TEST(HwLogSetReq, LongestXmlTakes16578Bytes)
+{
+    const auto message = filled<BciHwLogSetReqMsg>(sizeof(VornBcHwLogSetReqS));
+    VornBcHwLogSetReqS& wire = message->m_hwLogSetReq;
+    wire.sigNo = 4294967295U;
+    wire.addressInfo = {kLowest, kLowest};
+    wire.padding0 = 65535;
+    wire.logId = 4294967295U;
+    wire.length = 4294967295U;
+    setText(wire.hwLogData, "");
+    EXPECT_EQ(writeXml(*message).bytes.size(), 16578U);
+}
+
 TEST(HwLogSetReq, FillsAShortBuffer)
 {
-    const auto message = messageOf<SetReq>(setReq(2, "ab\0cde\0"s));
+    const auto message = holding<SetReq>(setReq(2, "ab\0cde\0"s));
     const std::string text = kSetReqText + "2:ab:cde:";
     const std::string xml = kSetReqXml + logElements("2", {"ab", "cde"});
-    for (unsigned int capacity = 0; capacity < xml.size(); ++capacity)
-    {
-        EXPECT_EQ(writeXml(*message, capacity), (Written{true, xml.substr(0, capacity), 3}));
-        const unsigned int status = capacity > text.size() ? 0 : capacity == text.size() ? 1 : 3;
-        EXPECT_EQ(writeText(*message, capacity), (Written{true, text.substr(0, capacity), status}));
-    }
+    expectBeginnings(writeText, *message, text);
+    expectBeginnings(writeXml, *message, xml);
     EXPECT_EQ(writeBinary(*message, 39), (Written{true, kSetReqBinary + be32(2) + "ab\0"s, 3}));
     EXPECT_EQ(writeBinary(*message, 35), (Written{true, kSetReqBinary + "ab\0"s, 3})); // no room for the length
 }
@@ -448,32 +372,23 @@ TEST(HwLogSetReq, ReadsTextOnlyUpToADamagedField)
     };
     for (const auto& row : rows)
     {
-        SCOPED_TRACE(row.text);
-        const auto message = messageOf<SetReq>(setReq(2, ""));
-        EXPECT_EQ(readText(*message, row.text), row.read);
-        EXPECT_EQ(structureOf(*message, 460), setReq(2, row.data).replace(12, row.bytes.size(), row.bytes));
+        expectReading(*filled<SetReq>(460), readText, setReq(2, ""),
+                      {row.text, row.read, setReq(2, row.data).replace(12, row.bytes.size(), row.bytes)});
     }
 }
 
 TEST(HwLogSetReq, ReadsBinaryWhateverItsLength)
 {
-    const std::string whole = kSetReqBinary + be32(4294967295) + x(424);
-    const std::string structure = setReq(4294967295, x(424));
-    const struct
-    {
-        std::size_t size;
-        unsigned int position; // all in front of it is stored
-        unsigned int status;
-    } rows[] = {{0, 0, 3},   {20, 20, 3},   {27, 26, 2},   {35, 32, 2},  {36, 36, 1},
-                {37, 37, 3}, {459, 459, 3}, {460, 460, 1}, {461, 460, 0}};
-    for (const auto& row : rows)
-    {
-        SCOPED_TRACE(row.size);
-        const auto message = filled<SetReq>(460);
-        EXPECT_EQ(readBinary(*message, (whole + "Z").substr(0, row.size)), (Read{true, row.status, row.position}));
-        EXPECT_EQ(structureOf(*message, 460),
-                  structure.substr(0, row.position) + std::string(460 - row.position, 'Z'));
-    }
+    expectBinaryReadings<SetReq>(kSetReqBinary + be32(4294967295) + x(424) + "Z", setReq(4294967295, x(424)),
+                                 {{0, {true, 3, 0}},
+                                  {20, {true, 3, 20}},
+                                  {27, {true, 2, 26}},
+                                  {35, {true, 2, 32}},
+                                  {36, {true, 1, 36}},
+                                  {37, {true, 3, 37}},
+                                  {459, {true, 3, 459}},
+                                  {460, {true, 1, 460}},
+                                  {461, {true, 0, 460}}});
 }
 
 TEST(HwLogSetReq, ReadsEntriesFromXml)
@@ -539,15 +454,15 @@ TEST(HwLogSetReq, ReadsTheOtherFieldsFromXml)
     EXPECT_EQ(structureOf(*message, 26), setReq(0, "").substr(0, 12) + x(13) + '\0');
     EXPECT_EQ(message->m_hwLogSetReq.padding0, 1U);
     EXPECT_EQ(message->m_hwLogSetReq.logId, 2147483647U);
-    expectEachMissingElementToStopTheReader<SetReq>(document, setReq(1, "ab\0"s),
-                                                    {{"sigNo", 0, "667"},
-                                                     {"clientRef", 4, "674"},
-                                                     {"serverRef", 8, "681"},
-                                                     {"dateTime", 12, "688"},
-                                                     {"padding0", 26, "695"},
-                                                     {"logId", 28, "702"},
-                                                     {"length", 32, "709"},
-                                                     {"hwLogData_0", 36, "720"}});
+    expectEachMissingElementStopsTheReader<SetReq>(document, setReq(1, "ab\0"s),
+                                                   {{"sigNo", "[src/bciHwMsg:667] tag %s not found", 0},
+                                                    {"clientRef", "[src/bciHwMsg:674] tag %s not found", 4},
+                                                    {"serverRef", "[src/bciHwMsg:681] tag %s not found", 8},
+                                                    {"dateTime", "[src/bciHwMsg:688] tag %s not found", 12},
+                                                    {"padding0", "[src/bciHwMsg:695] tag %s not found", 26},
+                                                    {"logId", "[src/bciHwMsg:702] tag %s not found", 28},
+                                                    {"length", "[src/bciHwMsg:709] tag %s not found", 32},
+                                                    {"hwLogData_0", "[src/bciHwMsg:720] tag %s not found", 36}});
 }
 
 // Get confirm
@@ -568,12 +483,12 @@ TEST(HwLogGetCfm, WritesOneEntryWhetherItCountsOrNot)
     for (const auto& row : rows)
     {
         SCOPED_TRACE(row.lengthText + row.entry);
-        const auto message = messageOf<GetCfm>(getCfm(row.length, row.data));
+        const auto message = holding<GetCfm>(getCfm(row.length, row.data));
         EXPECT_EQ(writeText(*message), (Written{true, kGetCfmText + row.lengthText + ":" + row.entry + ":", 0}));
         EXPECT_EQ(writeBinary(*message), (Written{true, kGetCfmBinary + be32(row.length) + logData(row.data), 0}));
         EXPECT_EQ(writeXml(*message), (Written{true, kGetCfmXml + logElements(row.lengthText, {row.entry}), 0}));
     }
-    const auto message = messageOf<GetCfm>(getCfm(1, "ab\0"s));
+    const auto message = holding<GetCfm>(getCfm(1, "ab\0"s));
     EXPECT_EQ(writeText(*message, 18), (Written{true, "23433742:1:-2:1:ab", 3}));
     EXPECT_EQ(writeBinary(*message, 18), (Written{true, kGetCfmBinary + be32(1) + "ab", 3}));
     EXPECT_EQ(writeXml(*message, 5), (Written{true, "\t<sig", 3}));
@@ -583,7 +498,7 @@ TEST(HwLogGetCfm, OnlyTheBinaryWriterTakesALengthAboveOne)
 {
     for (const U32 length : {2U, 4294967295U})
     {
-        const auto message = messageOf<GetCfm>(getCfm(length, "ab\0"s));
+        const auto message = holding<GetCfm>(getCfm(length, "ab\0"s));
         const std::string text = length == 2 ? "2" : "4294967295";
         EXPECT_EQ(writeText(*message), (Written{false, "", 0}));
         EXPECT_EQ(takeLog(), (Log{{6, "[src/bciHwMsg:744] length %u > 1", {text}}}));
@@ -613,9 +528,7 @@ TEST(HwLogGetCfm, ReadsText)
                             {"1", kUnread, "", {false, 3, 15}, tooLong("832", "1515870810")},
                             {"one:ab:", kUnread, "", {false, 2, 14}, tooLong("832", "1515870810")},
                         });
-    const auto message = messageOf<GetCfm>(getCfm(1, "ab\0"s));
-    EXPECT_EQ(readText(*message, "-"), (Read{true, 3, 1}));
-    EXPECT_EQ(structureOf(*message, 440), getCfm(1, "ab\0"s));
+    expectReading(*filled<GetCfm>(440), readText, getCfm(1, "ab\0"s), {"-", {true, 3, 1}, ""});
 }
 
 TEST(HwLogGetCfm, ReadsBinary)
@@ -651,12 +564,12 @@ TEST(HwLogGetCfm, ReadsXml)
         });
     for (const U32 length : {0U, 1U})
     {
-        expectEachMissingElementToStopTheReader<GetCfm>(kGetCfmXml + logElements(length == 0 ? "0" : "1", {"ab"}),
-                                                        getCfm(length, "ab\0"s),
-                                                        {{"sigNo", 0, "871"},
-                                                         {"clientRef", 4, "878"},
-                                                         {"serverRef", 8, "885"},
-                                                         {"length", 12, "892"},
-                                                         {"hwLogData_0", 16, "906"}});
+        expectEachMissingElementStopsTheReader<GetCfm>(
+            kGetCfmXml + logElements(length == 0 ? "0" : "1", {"ab"}), getCfm(length, "ab\0"s),
+            {{"sigNo", "[src/bciHwMsg:871] tag %s not found", 0},
+             {"clientRef", "[src/bciHwMsg:878] tag %s not found", 4},
+             {"serverRef", "[src/bciHwMsg:885] tag %s not found", 8},
+             {"length", "[src/bciHwMsg:892] tag %s not found", 12},
+             {"hwLogData_0", "[src/bciHwMsg:906] tag %s not found", 16}});
     }
 }

@@ -1,18 +1,12 @@
 #include "bciHwMsg.h"
-#include "logCapture.h"
 #include "messageKit.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstring>
 #include <initializer_list>
-#include <memory>
-#include <new>
 #include <string>
-#include <type_traits>
 #include <utility>
-#include <vector>
 
 namespace
 {
@@ -21,42 +15,20 @@ using namespace std::string_literals;
 using Message = BciGetHwPidCfmMsg;
 using Wire = VornBcGetHwPidCfmS;
 
-template <typename...>
-struct Types;
-
-// A 16-bit number as the structure has it.
-std::string host16(U16 value)
-{
-    return {reinterpret_cast<const char*>(&value), sizeof value};
-}
-
 // The example's structure. Behind each text's terminator, and behind the last field, it holds `fill`.
 std::string example(char fill = 'Z')
 {
     const auto text = [fill](const std::string& characters, std::size_t size)
     { return characters + '\0' + std::string(size - characters.size() - 1, fill); };
-    return firstWord(23429633) + firstWord(1) + firstWord(0xFFFFFFFE) + text("20240131", 9) + '\x01' + host16(2) +
-           text("BOARD", 13) + '\x03' + host16(4) + text("PN-4711/A", 25) + '\x05' + host16(6) + text("B07", 5) +
-           '\x07' + host16(8) + text("SN0001", 14) + fill + fill;
-}
-
-// The example in front of an offset, then some bytes, and nothing but `fill` behind them.
-std::string exampleUpTo(std::size_t offset, char fill, const std::string& bytes = "")
-{
-    return example(fill).substr(0, offset) + bytes + std::string(92 - offset - bytes.size(), fill);
-}
-
-std::unique_ptr<Message> messageOf(const std::string& structure)
-{
-    std::unique_ptr<Message> message = filled<Message>(92);
-    message->setMsg(structure.data());
-    return message;
+    return hostHeader(23429633, 1, -2) + text("20240131", 9) + '\x01' + host16(2) + text("BOARD", 13) + '\x03' +
+           host16(4) + text("PN-4711/A", 25) + '\x05' + host16(6) + text("B07", 5) + '\x07' + host16(8) +
+           text("SN0001", 14) + fill + fill;
 }
 
 const std::string kText = "23429633:1:-2:20240131:1:2:BOARD:3:4:PN-4711/A:5:6:B07:7:8:SN0001:";
-const std::string kBinary = firstWord(23429633) + be32(1) + be32(0xFFFFFFFE) + "20240131\0"s + "\x01" + be16(2) +
-                            "BOARD\0ZZZZZZZ"s + "\x03" + be16(4) + "PN-4711/A\0ZZZZZZZZZZZZZZZ"s + "\x05" +
-                            be16(6) + "B07\0Z"s + "\x07" + be16(8) + "SN0001\0ZZZZZZZ"s;
+const std::string kBinary = binaryHeader(23429633, 1, -2) + "20240131\0"s + "\x01" + be16(2) + "BOARD\0ZZZZZZZ"s +
+                            "\x03" + be16(4) + "PN-4711/A\0ZZZZZZZZZZZZZZZ"s + "\x05" + be16(6) + "B07\0Z"s +
+                            "\x07" + be16(8) + "SN0001\0ZZZZZZZ"s;
 const std::string kXml = headerElements("23429633", "1", "-2") + element("productionDate", "20240131") +
                          element("padding0", "1") + element("padding1", "2") + element("productName", "BOARD") +
                          element("padding2", "3") + "<padding3>\n\t   4\n\t</padding3>\n" +
@@ -67,9 +39,8 @@ const std::string kXml = headerElements("23429633", "1", "-2") + element("produc
 // Every number at its greatest, and every text as long as its array.
 const std::string kGreatest = "ddddddddd\xFF\xFF\xFFnnnnnnnnnnnnn\xFF\xFF\xFF"
                               "mmmmmmmmmmmmmmmmmmmmmmmmm\xFF\xFF\xFFrrrrr\xFF\xFF\xFFssssssssssssss";
-const std::string kGreatestStructure =
-    firstWord(0xFFFFFFFF) + firstWord(0x80000000) + firstWord(0x7FFFFFFF) + kGreatest + zeros(2);
-const std::string kGreatestBinary = be32(0xFFFFFFFF) + be32(0x80000000) + be32(0x7FFFFFFF) + kGreatest;
+const std::string kGreatestStructure = hostHeader(4294967295U, kLowest, 2147483647) + kGreatest + zeros(2);
+const std::string kGreatestBinary = binaryHeader(4294967295U, kLowest, 2147483647) + kGreatest;
 
 // What text leaves: the example's fields in front of an offset, then some bytes, and zeros.
 struct TextRow
@@ -85,10 +56,9 @@ void expectRead(std::initializer_list<TextRow> rows)
 {
     for (const TextRow& row : rows)
     {
-        SCOPED_TRACE(row.text);
-        const auto message = filled<Message>(92);
-        EXPECT_EQ(readText(*message, row.text), (Read{true, row.status, row.position}));
-        EXPECT_EQ(structureOf(*message, 92), exampleUpTo(row.upTo, '\0', row.bytes));
+        const std::string read = example('\0').substr(0, row.upTo) + row.bytes;
+        expectReadings<Message>(readText, 92,
+                                {{row.text, {true, row.status, row.position}, read + zeros(92 - read.size())}});
     }
 }
 
@@ -96,36 +66,30 @@ void expectRead(std::initializer_list<TextRow> rows)
 
 TEST(HwPidCfm, WireStructureHasTheLayoutOfTheSignal)
 {
-    EXPECT_EQ((std::vector<std::size_t>{
-                  offsetof(Wire, sigNo), offsetof(Wire, addressInfo), offsetof(Wire, productionDate),
-                  offsetof(Wire, padding0), offsetof(Wire, padding1), offsetof(Wire, productName),
-                  offsetof(Wire, padding2), offsetof(Wire, padding3), offsetof(Wire, productNumber),
-                  offsetof(Wire, padding4), offsetof(Wire, padding5), offsetof(Wire, productRevision),
-                  offsetof(Wire, padding6), offsetof(Wire, padding7), offsetof(Wire, serialNumber), sizeof(Wire)}),
-              (std::vector<std::size_t>{0, 4, 12, 21, 22, 24, 37, 38, 40, 65, 66, 68, 73, 74, 76, 92}));
-    EXPECT_TRUE(
-        (std::is_same_v<Types<decltype(Wire::sigNo), decltype(Wire::addressInfo), decltype(Wire::productionDate),
-                              decltype(Wire::productName), decltype(Wire::productNumber),
-                              decltype(Wire::productRevision), decltype(Wire::serialNumber)>,
-                        Types<SIGSELECT, VornNodeCommonAddressInfoS, U8[9], U8[13], U8[25], U8[5], U8[14]>>));
-    EXPECT_TRUE((std::is_same_v<Types<decltype(Wire::padding0), decltype(Wire::padding1), decltype(Wire::padding2),
-                                      decltype(Wire::padding3), decltype(Wire::padding4), decltype(Wire::padding5),
-                                      decltype(Wire::padding6), decltype(Wire::padding7)>,
-                                Types<U8, U16, U8, U16, U8, U16, U8, U16>>));
+    expectSignal<Wire>(92);
+    expectField<U8[9]>(&Wire::productionDate, 12);
+    expectField<U8>(&Wire::padding0, 21);
+    expectField<U16>(&Wire::padding1, 22);
+    expectField<U8[13]>(&Wire::productName, 24);
+    expectField<U8>(&Wire::padding2, 37);
+    expectField<U16>(&Wire::padding3, 38);
+    expectField<U8[25]>(&Wire::productNumber, 40);
+    expectField<U8>(&Wire::padding4, 65);
+    expectField<U16>(&Wire::padding5, 66);
+    expectField<U8[5]>(&Wire::productRevision, 68);
+    expectField<U8>(&Wire::padding6, 73);
+    expectField<U16>(&Wire::padding7, 74);
+    expectField<U8[14]>(&Wire::serialNumber, 76);
 }
 
 TEST(HwPidCfm, NewMessageHoldsWhatItsStorageHeld)
 {
-    alignas(Message) unsigned char storage[sizeof(Message)];
-    std::memset(storage, 'Z', sizeof storage);
-    Message* const message = new (storage) Message(23429633);
-    EXPECT_EQ(structureOf(*message, 92), std::string(92, 'Z'));
-    message->~Message();
+    EXPECT_EQ(constructed(&Message::m_getHwPidCfm, 23429633), std::string(92, kFill));
 }
 
 TEST(HwPidCfm, FactoryMakesAMessageThatHoldsItsStructureItself)
 {
-    const auto message = messageOf(example());
+    const auto message = holding<Message>(example());
     EXPECT_EQ(structureOf(*message, 92), example());
     EXPECT_EQ(message->getMsg(), reinterpret_cast<char*>(&message->m_getHwPidCfm));
     EXPECT_EQ(message->getMaxTextBufferSize(), 339U);
@@ -139,15 +103,12 @@ TEST(HwPidCfm, FactoryMakesAMessageThatHoldsItsStructureItself)
 
 TEST(HwPidCfm, SetMsgTakesTheWholeStructure)
 {
-    const auto message = filled<Message>(92);
-    const std::vector<char> source(92, 's'); // not a byte more
-    message->setMsg(source.data());
-    EXPECT_EQ(structureOf(*message, 92), std::string(92, 's'));
+    expectSetMsgCopies(*filled<Message>(92), 92);
 }
 
 TEST(HwPidCfm, WritesItsThreeForms)
 {
-    const auto message = messageOf(example());
+    const auto message = holding<Message>(example());
     EXPECT_EQ(writeText(*message), (Written{true, kText, 0}));
     EXPECT_EQ(writeBinary(*message), (Written{true, kBinary, 0}));
     EXPECT_EQ(writeXml(*message), (Written{true, kXml, 0}));
@@ -156,7 +117,7 @@ TEST(HwPidCfm, WritesItsThreeForms)
 
 TEST(HwPidCfm, WritesAnUnterminatedTextUpToItsLastCharacter)
 {
-    const auto message = messageOf(kGreatestStructure);
+    const auto message = holding<Message>(kGreatestStructure);
     EXPECT_EQ(writeText(*message),
               (Written{true,
                        "4294967295:-2147483648:2147483647:ddddddddd:255:65535:nnnnnnnnnnnnn:255:65535:"
@@ -175,21 +136,15 @@ TEST(HwPidCfm, WritesAnUnterminatedTextUpToItsLastCharacter)
 
 TEST(HwPidCfm, TextAndXmlFillAShortBuffer)
 {
-    const auto message = messageOf(example());
-    for (unsigned int capacity = 0; capacity < 66; ++capacity)
-    {
-        EXPECT_EQ(writeText(*message, capacity), (Written{true, kText.substr(0, capacity), 3}));
-    }
-    EXPECT_EQ(writeText(*message, 66), (Written{true, kText, 1}));
-    for (unsigned int capacity = 0; capacity < kXml.size(); ++capacity)
-    {
-        EXPECT_EQ(writeXml(*message, capacity), (Written{true, kXml.substr(0, capacity), 3}));
-    }
+    const auto message = holding<Message>(example());
+    EXPECT_EQ(kText.size(), 66U);
+    expectBeginnings(writeText, *message, kText);
+    expectBeginnings(writeXml, *message, kXml);
 }
 
 TEST(HwPidCfm, BinaryCutsTextsAndDropsNumbersInAShortBuffer)
 {
-    const auto message = messageOf(example());
+    const auto message = holding<Message>(example());
     // serverRef has no room in 11 bytes, and padding1, 3, 5 and 7 have none in 23, 39, 67 and 75.
     const std::pair<unsigned int, std::string> rows[] = {
         {0, ""},
@@ -226,7 +181,7 @@ TEST(HwPidCfm, ReadsTextIntoAClearedStructure)
         {"4294967295:2147483647:-2147483647:dddddddd:255:65535:nnnnnnnnnnnn:255:65535:"
          "mmmmmmmmmmmmmmmmmmmmmmmm:255:65535:rrrr:255:65535:sssssssssssss:",
          0,
-         firstWord(0xFFFFFFFF) + firstWord(0x7FFFFFFF) + firstWord(0x80000001) +
+         hostHeader(4294967295U, 2147483647, -2147483647) +
              "dddddddd\0\xFF\xFF\xFFnnnnnnnnnnnn\0\xFF\xFF\xFFmmmmmmmmmmmmmmmmmmmmmmmm\0\xFF\xFF\xFF"
              "rrrr\0\xFF\xFF\xFFsssssssssssss"s,
          1, 140},
@@ -263,57 +218,40 @@ TEST(HwPidCfm, ReadsBinaryIntoAClearedStructure)
                 {21, 21, 1}, {23, 22, 2}, {89, 89, 3}, {90, 90, 1}, {91, 90, 0}};
     for (const auto& row : rows)
     {
-        SCOPED_TRACE(row.size);
-        const auto message = filled<Message>(92);
-        EXPECT_EQ(readBinary(*message, (kBinary + "Z").substr(0, row.size)),
-                  (Read{true, row.status, row.position}));
-        EXPECT_EQ(structureOf(*message, 92), whole.substr(0, row.position) + zeros(92 - row.position));
+        expectReadings<Message>(readBinary, 92,
+                                {{(kBinary + "Z").substr(0, row.size),
+                                  {true, row.status, row.position},
+                                  whole.substr(0, row.position) + zeros(92 - row.position)}});
     }
-    const auto message = filled<Message>(92);
-    EXPECT_EQ(readBinary(*message, kGreatestBinary), (Read{true, 1, 90}));
-    EXPECT_EQ(structureOf(*message, 92), kGreatestStructure);
+    expectReadings<Message>(readBinary, 92, {{kGreatestBinary, {true, 1, 90}, kGreatestStructure}});
 }
 
 TEST(HwPidCfm, XmlReaderPassesTheSerialNumberOver)
 {
-    for (const std::string& document : {kXml, without(kXml, "serialNumber")})
-    {
-        const auto message = filled<Message>(92);
-        EXPECT_EQ(readXml(*message, document), (Read{true, 0, 0}));
-        EXPECT_EQ(structureOf(*message, 92), exampleUpTo(76, 'Z'));
-    }
+    const std::string read = example().substr(0, 76);
+    expectReadings<Message>(readXml, 92,
+                            {{kXml, {true, 0, 0}, read}, {without(kXml, "serialNumber"), {true, 0, 0}, read}});
 }
 
 TEST(HwPidCfm, XmlReaderStopsAtTheFirstMissingElement)
 {
-    const struct
-    {
-        std::string tag;
-        std::size_t offset;
-        std::string line;
-    } rows[] = {{"sigNo", 0, "268"},
-                {"clientRef", 4, "275"},
-                {"serverRef", 8, "282"},
-                {"productionDate", 12, "289"},
-                {"padding0", 21, "296"},
-                {"padding1", 22, "303"},
-                {"productName", 24, "310"},
-                {"padding2", 37, "317"},
-                {"padding3", 38, "324"},
-                {"productNumber", 40, "331"},
-                {"padding4", 65, "338"},
-                {"padding5", 66, "345"},
-                {"productRevision", 68, "352"},
-                {"padding6", 73, "359"},
-                {"padding7", 74, "366"}};
-    for (const auto& row : rows)
-    {
-        SCOPED_TRACE(row.tag);
-        const auto message = filled<Message>(92);
-        EXPECT_EQ(readXml(*message, without(kXml, row.tag)), (Read{false, 0, 0}));
-        EXPECT_EQ(structureOf(*message, 92), exampleUpTo(row.offset, 'Z'));
-        EXPECT_EQ(takeLog(), (Log{{6, "[src/bciHwMsg:" + row.line + "] tag %s not found", {row.tag}}}));
-    }
+    expectEachMissingElementStopsTheReader<Message>(
+        kXml, example(),
+        {{"sigNo", "[src/bciHwMsg:268] tag %s not found", 0},
+         {"clientRef", "[src/bciHwMsg:275] tag %s not found", 4},
+         {"serverRef", "[src/bciHwMsg:282] tag %s not found", 8},
+         {"productionDate", "[src/bciHwMsg:289] tag %s not found", 12},
+         {"padding0", "[src/bciHwMsg:296] tag %s not found", 21},
+         {"padding1", "[src/bciHwMsg:303] tag %s not found", 22},
+         {"productName", "[src/bciHwMsg:310] tag %s not found", 24},
+         {"padding2", "[src/bciHwMsg:317] tag %s not found", 37},
+         {"padding3", "[src/bciHwMsg:324] tag %s not found", 38},
+         {"productNumber", "[src/bciHwMsg:331] tag %s not found", 40},
+         {"padding4", "[src/bciHwMsg:338] tag %s not found", 65},
+         {"padding5", "[src/bciHwMsg:345] tag %s not found", 66},
+         {"productRevision", "[src/bciHwMsg:352] tag %s not found", 68},
+         {"padding6", "[src/bciHwMsg:359] tag %s not found", 73},
+         {"padding7", "[src/bciHwMsg:366] tag %s not found", 74}});
 }
 
 TEST(HwPidCfm, XmlContentIsFittedToItsField)
@@ -354,10 +292,8 @@ TEST(HwPidCfm, XmlContentIsFittedToItsField)
     };
     for (const auto& row : rows)
     {
-        SCOPED_TRACE(row.tag + " " + row.content);
-        const auto message = messageOf(example());
-        EXPECT_EQ(readXml(*message, "<" + row.tag + ">" + row.content + "</" + row.tag + ">" + kXml),
-                  (Read{true, 0, 0}));
-        EXPECT_EQ(structureOf(*message, 92), example().replace(row.offset, row.bytes.size(), row.bytes));
+        const std::string document = "<" + row.tag + ">" + row.content + "</" + row.tag + ">" + kXml;
+        expectReading(*filled<Message>(92), readXml, example(),
+                      {document, {true, 0, 0}, example().replace(row.offset, row.bytes.size(), row.bytes)});
     }
 }

@@ -1,7 +1,6 @@
 // The confirm with the LED states. The request, which carries one number, is in boardControlTest.cpp.
 
 #include "bciVisualIndicationMsg.h"
-#include "logCapture.h"
 #include "messageKit.h"
 
 #include <gtest/gtest.h>
@@ -10,9 +9,7 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <string>
-#include <type_traits>
 
 namespace
 {
@@ -20,14 +17,12 @@ namespace
 using namespace std::string_literals;
 using Wire = VornBcGetVisualIndicationCfmS;
 
-const S32 kLowest = -2147483647 - 1;
 const Wire kExample{23429136, {1, 2}, {1, 2, 3, 4}};
 const Wire kBefore{77, {88, 99}, {11, 12, 13, 14}}; // what a message holds before it reads
 const Wire kGreatest{4294967295U, {kLowest, kLowest}, {65535, 65535, 65535, 65535}};
 
 const std::string kText = "23429136:1:2:1:2:3:4:";
-const std::string kHeader = firstWord(23429136) + "\0\0\0\1\0\0\0\2"s;
-const std::string kBinary = kHeader + "\0\1\0\2\0\3\0\4"s;
+const std::string kBinary = firstWord(23429136) + "\0\0\0\1\0\0\0\2"s + "\0\1\0\2\0\3\0\4"s;
 const char* const kLeds[] = {"visualStateRedLed", "visualStateGreenLed", "visualStateYellowLed",
                              "visualStateBlueLed"};
 
@@ -38,11 +33,6 @@ Wire upTo(std::size_t count, std::array<U16, 4> states = {1, 2, 3, 4})
     wire.ledInfo = kBefore.ledInfo;
     std::memcpy(&wire.ledInfo, states.data(), count * sizeof(U16));
     return wire;
-}
-
-std::string bytesOf(const Wire& wire)
-{
-    return {reinterpret_cast<const char*>(&wire), sizeof wire};
 }
 
 std::string xml(const std::array<std::string, 4>& states = {"1", "2", "3", "4"})
@@ -59,13 +49,9 @@ class GetVisualIndicationCfm : public testing::Test
 {
 protected:
     // Runs a reader on a message that holds kBefore.
-    void expectRead(Read (*read)(BciMessageBase&, const std::string&), const std::string& data,
-                    const Read& expected, const Wire& after)
+    void expectRead(Reader reader, const std::string& data, const Read& outcome, const Wire& after)
     {
-        SCOPED_TRACE(data);
-        m_message->m_getVisualIndicationCfm = kBefore;
-        EXPECT_EQ(read(*m_message, data), expected);
-        EXPECT_EQ(structureOf(*m_message, 20), bytesOf(after));
+        expectReading(*m_message, reader, inMemory(kBefore), {data, outcome, inMemory(after)});
     }
 
     const std::unique_ptr<BciGetVisualIndicationCfm> m_message = filled<BciGetVisualIndicationCfm>(20);
@@ -73,41 +59,28 @@ protected:
 
 TEST_F(GetVisualIndicationCfm, StructureHasTheLayoutOfTheSignal)
 {
-    EXPECT_EQ(sizeof(Wire), 20U);
-    EXPECT_EQ(offsetof(Wire, addressInfo), 4U);
-    EXPECT_EQ(offsetof(Wire, ledInfo), 12U);
-    const VornBcLedInfoS leds{0x0101, 0x0202, 0x0303, 0x0404};
-    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&leds), 8), "\1\1\2\2\3\3\4\4");
-    EXPECT_TRUE((std::is_same_v<decltype(Wire::ledInfo), VornBcLedInfoS>));
-    U16 VornBcLedInfoS::*const inOrder[] = {
-        &VornBcLedInfoS::visualStateRedLed, &VornBcLedInfoS::visualStateGreenLed,
-        &VornBcLedInfoS::visualStateYellowLed, &VornBcLedInfoS::visualStateBlueLed};
-    for (std::size_t i = 0; i < 4; ++i)
-    {
-        EXPECT_EQ(leds.*inOrder[i], 0x0101 * (i + 1));
-    }
+    expectSignal<Wire>(20);
+    expectField<VornBcLedInfoS>(&Wire::ledInfo, 12);
+    EXPECT_EQ(sizeof(VornBcLedInfoS), 8U);
+    expectField<U16>(&VornBcLedInfoS::visualStateRedLed, 0);
+    expectField<U16>(&VornBcLedInfoS::visualStateGreenLed, 2);
+    expectField<U16>(&VornBcLedInfoS::visualStateYellowLed, 4);
+    expectField<U16>(&VornBcLedInfoS::visualStateBlueLed, 6);
 }
 
 TEST_F(GetVisualIndicationCfm, ConstructorLeavesTheStorageAsItWas)
 {
-    alignas(BciGetVisualIndicationCfm) unsigned char storage[sizeof(BciGetVisualIndicationCfm)];
-    std::memset(storage, 0x5A, sizeof storage);
-    auto* const message = new (storage) BciGetVisualIndicationCfm(23429136);
-    EXPECT_EQ(message->getMsg(), reinterpret_cast<char*>(&message->m_getVisualIndicationCfm));
-    EXPECT_EQ(structureOf(*message, 20), std::string(20, '\x5A'));
-    message->~BciGetVisualIndicationCfm();
+    EXPECT_EQ(constructed(&BciGetVisualIndicationCfm::m_getVisualIndicationCfm, 23429136), std::string(20, kFill));
 }
 
 TEST_F(GetVisualIndicationCfm, AccessorsAnswerFromTheStructure)
 {
-    m_message->setMsg(bytesOf(kGreatest).data());
-    EXPECT_EQ(structureOf(*m_message, 20), bytesOf(kGreatest));
+    setStructure(*m_message, inMemory(kGreatest));
     EXPECT_EQ(m_message->getSigNo(), 4294967295U);
     EXPECT_EQ(m_message->getAddressInfo().clientRef, kLowest);
     EXPECT_EQ(m_message->getAddressInfo().serverRef, kLowest);
-    EXPECT_EQ(m_message->getMaxTextBufferSize(), 59U);
-    EXPECT_EQ(m_message->getMaxBinaryBufferSize(), 20U);
-    EXPECT_EQ(m_message->getDelim(), ':');
+    expectOwnStructure<BciGetVisualIndicationCfm, Wire>(&BciGetVisualIndicationCfm::m_getVisualIndicationCfm, 59,
+                                                        20);
 }
 
 TEST_F(GetVisualIndicationCfm, WritesTheLedsInTheirOrder)
@@ -131,9 +104,8 @@ TEST_F(GetVisualIndicationCfm, WritesTheGreatestNumbersIntoBuffersOfTheMaximumSi
     m_message->m_getVisualIndicationCfm = kGreatest;
     EXPECT_EQ(writeText(*m_message, 59),
               (Written{true, "4294967295:-2147483648:-2147483648:65535:65535:65535:65535:", 1}));
-    EXPECT_EQ(
-        writeBinary(*m_message, 20),
-        (Written{true, firstWord(4294967295U) + be32(0x80000000) + be32(0x80000000) + std::string(8, '\xFF'), 1}));
+    EXPECT_EQ(writeBinary(*m_message, 20),
+              (Written{true, binaryHeader(4294967295U, kLowest, kLowest) + std::string(8, '\xFF'), 1}));
     EXPECT_EQ(writeXml(*m_message).bytes, headerElements("4294967295", "-2147483648", "-2147483648") +
                                               xml({"65535", "65535", "65535", "65535"}).substr(95));
 }
@@ -141,14 +113,8 @@ TEST_F(GetVisualIndicationCfm, WritesTheGreatestNumbersIntoBuffersOfTheMaximumSi
 TEST_F(GetVisualIndicationCfm, ShortBufferTakesWhatFits)
 {
     m_message->m_getVisualIndicationCfm = kExample;
-    for (unsigned int size = 0; size < xml().size(); ++size)
-    {
-        EXPECT_EQ(writeXml(*m_message, size), (Written{true, xml().substr(0, size), 3}));
-    }
-    for (unsigned int size = 0; size < 21; ++size)
-    {
-        EXPECT_EQ(writeText(*m_message, size), (Written{true, kText.substr(0, size), 3}));
-    }
+    expectBeginnings(writeXml, *m_message, xml());
+    expectBeginnings(writeText, *m_message, kText);
     // A number of the header that does not fit is left out, and the red LED may still fit.
     for (unsigned int size = 0; size < 20; ++size)
     {
@@ -203,25 +169,15 @@ TEST_F(GetVisualIndicationCfm, ShortBinaryDataFillTheFieldsTheyReach)
 
 TEST_F(GetVisualIndicationCfm, FirstMissingElementEndsReadingXml)
 {
-    const struct
-    {
-        const char* tag;
-        const char* log;
-        Wire after;
-    } rows[] = {
-        {"sigNo", "[src/bciVisualIndicationMsg:223] tag %s not found", kBefore},
-        {"clientRef", "[src/bciVisualIndicationMsg:230] tag %s not found", {23429136, {88, 99}, {11, 12, 13, 14}}},
-        {"serverRef", "[src/bciVisualIndicationMsg:237] tag %s not found", {23429136, {1, 99}, {11, 12, 13, 14}}},
-        {"visualStateRedLed", "[src/bciVisualIndicationMsg:244] tag %s not found", upTo(0)},
-        {"visualStateGreenLed", "[src/bciVisualIndicationMsg:251] tag %s not found", upTo(1)},
-        {"visualStateYellowLed", "[src/bciVisualIndicationMsg:258] tag %s not found", upTo(2)},
-        {"visualStateBlueLed", "[src/bciVisualIndicationMsg:265] tag %s not found", upTo(3)},
-    };
-    for (const auto& row : rows)
-    {
-        expectRead(readXml, without(xml(), row.tag), {false, 0, 0}, row.after);
-        EXPECT_EQ(takeLog(), (Log{{6, row.log, {row.tag}}}));
-    }
+    expectEachMissingElementStopsTheReader(
+        *m_message, inMemory(kBefore), xml(), inMemory(kExample),
+        {{"sigNo", "[src/bciVisualIndicationMsg:223] tag %s not found", 0},
+         {"clientRef", "[src/bciVisualIndicationMsg:230] tag %s not found", 4},
+         {"serverRef", "[src/bciVisualIndicationMsg:237] tag %s not found", 8},
+         {"visualStateRedLed", "[src/bciVisualIndicationMsg:244] tag %s not found", 12},
+         {"visualStateGreenLed", "[src/bciVisualIndicationMsg:251] tag %s not found", 14},
+         {"visualStateYellowLed", "[src/bciVisualIndicationMsg:258] tag %s not found", 16},
+         {"visualStateBlueLed", "[src/bciVisualIndicationMsg:265] tag %s not found", 18}});
 }
 
 TEST_F(GetVisualIndicationCfm, XmlNumbersAreTruncatedTo16Bits)
