@@ -224,6 +224,9 @@ std::string structureOf(const BciMessageBase& message, std::size_t structureSize
 
 void setStructure(BciMessageBase& message, const std::string& structure)
 {
+    // Other bytes first: memory may hold by chance what is not copied.
+    std::transform(structure.begin(), structure.end(), message.getMsg(),
+                   [](char byte) { return static_cast<char>(~byte); });
     message.setMsg(structure.data());
     EXPECT_EQ(structureOf(message, structure.size()), structure);
 }
