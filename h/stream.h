@@ -13,6 +13,14 @@
 
 #include "bciApi.h"
 
+namespace bci
+{
+namespace codec
+{
+struct StreamAccess; // the library's own codecs, which go through the buffer directly where all of it fits
+}
+} // namespace bci
+
 /// The streams of the board control interface.
 namespace commonStream
 {
@@ -92,6 +100,8 @@ protected:
     unsigned int m_bufferLength; ///< size of the buffer in bytes
     unsigned int m_length;       ///< input: bytes of data; output: largest write position reached
     unsigned int m_statusFlags;  ///< the status word
+
+    friend struct ::bci::codec::StreamAccess;
 };
 
 /// Input side: a read position within the attached data.
@@ -143,6 +153,8 @@ protected:
     unsigned int copyUpTo(char delim, char* valuePtr, unsigned int count) const;
 
     unsigned int m_currentReadPosition; ///< index of the next byte to read
+
+    friend struct ::bci::codec::StreamAccess;
 };
 
 /// Output side: a write position within the attached buffer.
@@ -189,6 +201,8 @@ protected:
     void cutToRoom(unsigned int& count);
 
     unsigned int m_currentWritePosition; ///< index of the next byte to write
+
+    friend struct ::bci::codec::StreamAccess;
 };
 
 /// Writes numbers as fixed-width fields, most significant byte first, and byte strings as they are.
@@ -394,6 +408,8 @@ public:
 
 protected:
     unsigned int m_lastReadCount; ///< characters delivered by the last get
+
+    friend struct ::bci::codec::StreamAccess;
 
 private:
     bool scanNumber(char* buffer);

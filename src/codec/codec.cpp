@@ -1,7 +1,10 @@
 #include "codec.h"
 
+#include "streamAccess.h"
 #include "tagLookup.h"
 
+#include <array>
+#include <bit>
 #include <cstdio>
 #include <cstring>
 #include <syslog.h>
@@ -58,6 +61,189 @@ void put(ostream_text& stream, const char* text)
     stream.put(text, static_cast<unsigned int>(std::strlen(text)));
 }
 
+template <typename T>
+T bigEndian(T number)
+{
+    if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1)
+    {
+        return number;
+    }
+    else if constexpr (sizeof(T) == 2)
+    {
+        return static_cast<T>(__builtin_bswap16(static_cast<U16>(number)));
+    }
+    else
+    {
+        return static_cast<T>(__builtin_bswap32(static_cast<U32>(number)));
+    }
+}
+
+template <typename T>
+void storeBigEndian(char* to, T number)
+{
+    number = bigEndian(number);
+    std::memcpy(to, &number, sizeof number);
+}
+
+template <typename T>
+void loadBigEndian(const char* from, T& number)
+{
+    std::memcpy(&number, from, sizeof number);
+    number = bigEndian(number);
+}
+
+// Two digits for each number below 100.
+constexpr auto kDigitPairs = []
+{
+    std::array<char, 200> pairs = {};
+    for (std::size_t i = 0; i < 100; ++i)
+    {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}();
+
+char* putDecimal(char* to, U32 number)
+{
+    char digits[10];
+    char* begin = digits + sizeof digits;
+    while (number >= 100)
+    {
+        begin -= 2;
+        std::memcpy(begin, &kDigitPairs[2 * (number % 100)], 2);
+        number /= 100;
+    }
+    if (number >= 10)
+    {
+        begin -= 2;
+        std::memcpy(begin, &kDigitPairs[2 * number], 2);
+    }
+    else
+    {
+        *--begin = static_cast<char>('0' + number);
+    }
+    const std::size_t length = static_cast<std::size_t>(digits + sizeof digits - begin);
+    std::memcpy(to, begin, length);
+    return to + length;
+}
+
+template <typename T>
+char* putDecimal(char* to, T number)
+{
+    if constexpr (std::is_signed_v<T>)
+    {
+        if (number < 0)
+        {
+            *to++ = '-';
+            return putDecimal(to, 0 - static_cast<U32>(number));
+        }
+    }
+    return putDecimal(to, static_cast<U32>(number));
+}
+
+bool isDigit(char ch)
+{
+    return ch >= '0' && ch <= '9';
+}
+
+// What the scanner of numbers would not stop at.
+bool belongsToNumber(char ch)
+{
+    const char lower = static_cast<char>(ch | ' ');
+    return isDigit(ch) || (lower >= 'a' && lower <= 'f') || lower == 'x' || ch == '+' || ch == '-';
+}
+
+// Greatest magnitude that a number of a kind is read with, of those that have nine digits.
+constexpr U32 greatest(Kind kind)
+{
+    switch (kind)
+    {
+    case Kind::u8:
+        return 0xFF;
+    case Kind::u16:
+        return 0xFFFF;
+    case Kind::s16:
+        return 0x7FFF;
+    default:
+        return 999999999;
+    }
+}
+
+// Reads one number as the writers write it: no sign or '-', no zeros in front, at most nine digits, and a
+// character behind it that ends it. Returns the place behind that character; null, with nothing read, for
+// any other, which the stream's own scanner has to judge.
+const char* readOrdinaryNumber(const Field& field, const char* from, const char* end, char* structure)
+{
+    const bool negative = *from == '-' && (field.kind == Kind::s16 || field.kind == Kind::s32);
+    if (negative)
+    {
+        ++from;
+    }
+    if (end - from < 2 || !isDigit(*from) || (*from == '0' && (negative || isDigit(from[1]))))
+    {
+        return nullptr;
+    }
+    const char* const limit = end - from > 9 ? from + 9 : end - 1;
+    U32 magnitude = 0;
+    for (; from != limit && isDigit(*from); ++from)
+    {
+        magnitude = magnitude * 10 + static_cast<U32>(*from - '0');
+    }
+    if (belongsToNumber(*from) || magnitude > greatest(field.kind))
+    {
+        return nullptr;
+    }
+    const U32 number = negative ? 0 - magnitude : magnitude;
+    visit(
+        field, structure, [number](auto& to) { to = static_cast<std::remove_reference_t<decltype(to)>>(number); },
+        [](char*, unsigned int) {});
+    return from + 1;
+}
+
+// Likewise a text that its delimiter, or the end of its array, ends within the data.
+const char* readOrdinaryText(const Field& field, const char* from, const char* end, char* structure)
+{
+    const auto left = static_cast<std::size_t>(end - from);
+    const std::size_t longest = field.size - 1U;
+    const void* const found = std::memchr(from, kDelimiter, left < longest ? left : longest);
+    if (found == nullptr && left <= longest)
+    {
+        return nullptr;
+    }
+    const std::size_t length =
+        found != nullptr ? static_cast<std::size_t>(static_cast<const char*>(found) - from) : longest;
+    std::memcpy(structure + field.offset, from, length);
+    structure[field.offset + length] = '\0';
+    return from + length + 1;
+}
+
+// Reads fields for as long as they are as the writers write them, straight from the buffer. Returns the first that
+// is not, which is left to the stream.
+const Field* readOrdinary(const Field* field, const Field* end, char* structure, istream_text& stream)
+{
+    const unsigned int left = StreamAccess::left(stream);
+    const char* from = StreamAccess::next(stream);
+    const char* const behind = from + left;
+    const Field* const first = field;
+    for (; field != end && from != behind; ++field)
+    {
+        const char* const next = field->kind == Kind::text ? readOrdinaryText(*field, from, behind, structure)
+                                                           : readOrdinaryNumber(*field, from, behind, structure);
+        if (next == nullptr)
+        {
+            break;
+        }
+        from = next;
+    }
+    if (field != first)
+    {
+        StreamAccess::readTo(stream, from);
+        StreamAccess::countOne(stream);
+    }
+    return field;
+}
+
 } // namespace
 
 void putOpening(ostream_text& stream, const Field& field, const Subscripts* subscripts)
@@ -94,10 +280,29 @@ void logMissing(const Fields& fields, const Field& field, const char* name, cons
 
 bool writeText(const Fields& fields, const void* structure, ostream_text& stream)
 {
+    const char* const from = static_cast<const char*>(structure);
+    if (StreamAccess::room(stream) >= fields.longestText)
+    {
+        char* to = StreamAccess::next(stream);
+        for (const Field& field : fields.rows)
+        {
+            visit(
+                field, from, [&](const auto& number) { to = putDecimal(to, number); },
+                [&](const char* text, unsigned int size)
+                {
+                    const unsigned int length = textLength(text, size);
+                    std::memcpy(to, text, length);
+                    to += length;
+                });
+            *to++ = kDelimiter;
+        }
+        StreamAccess::wroteTo(stream, to);
+        return true;
+    }
     for (const Field& field : fields.rows)
     {
         visit(
-            field, static_cast<const char*>(structure), [&](const auto& number) { stream << number; },
+            field, from, [&](const auto& number) { stream << number; },
             [&](const char* text, unsigned int size) { stream.put(text, textLength(text, size)); });
         stream << kDelimiter;
     }
@@ -106,10 +311,16 @@ bool writeText(const Fields& fields, const void* structure, ostream_text& stream
 
 bool readText(const Fields& fields, void* structure, istream_text& stream)
 {
-    for (const Field& field : fields.rows)
+    char* const to = static_cast<char*>(structure);
+    for (const Field *field = fields.rows.data(), *end = field + fields.rows.size(); field != end; ++field)
     {
+        field = readOrdinary(field, end, to, stream);
+        if (field == end)
+        {
+            break;
+        }
         visit(
-            field, static_cast<char*>(structure), [&](auto& number) { stream >> number; },
+            *field, to, [&](auto& number) { stream >> number; },
             [&](char* text, unsigned int size) { stream.get(text, size - 1, kDelimiter); });
         char delimiter;
         stream >> delimiter;
@@ -119,10 +330,30 @@ bool readText(const Fields& fields, void* structure, istream_text& stream)
 
 bool writeBinary(const Fields& fields, const void* structure, ostream_binary& stream)
 {
+    const char* const from = static_cast<const char*>(structure);
+    if (StreamAccess::room(stream) >= fields.binarySize && fields.binarySize != 0)
+    {
+        const bool atStart = StreamAccess::atStart(stream);
+        char* const begin = StreamAccess::next(stream);
+        char* to = begin;
+        for (const Field& field : fields.rows)
+        {
+            visit(
+                field, from, [&](const auto& number) { storeBigEndian(to, number); },
+                [&](const char* text, unsigned int size) { std::memcpy(to, text, size); });
+            to += field.size;
+        }
+        if (const Field& first = fields.rows.front(); atStart && first.kind == Kind::u32)
+        {
+            std::memcpy(begin, from + first.offset, sizeof(U32)); // the signal number keeps the host's order
+        }
+        StreamAccess::wroteTo(stream, to);
+        return true;
+    }
     for (const Field& field : fields.rows)
     {
         visit(
-            field, static_cast<const char*>(structure), [&](const auto& number) { stream << number; },
+            field, from, [&](const auto& number) { stream << number; },
             [&](const char* text, unsigned int size) { stream.put(text, size); });
     }
     return !stream.fail();
@@ -130,10 +361,30 @@ bool writeBinary(const Fields& fields, const void* structure, ostream_binary& st
 
 bool readBinary(const Fields& fields, void* structure, istream_binary& stream)
 {
+    char* const to = static_cast<char*>(structure);
+    if (StreamAccess::left(stream) >= fields.binarySize && fields.binarySize != 0)
+    {
+        const bool atStart = StreamAccess::atStart(stream);
+        const char* const begin = StreamAccess::next(stream);
+        const char* from = begin;
+        for (const Field& field : fields.rows)
+        {
+            visit(
+                field, to, [&](auto& number) { loadBigEndian(from, number); },
+                [&](char* text, unsigned int size) { std::memcpy(text, from, size); });
+            from += field.size;
+        }
+        if (const Field& first = fields.rows.front(); atStart && first.kind == Kind::u32)
+        {
+            std::memcpy(to + first.offset, begin, sizeof(U32)); // the signal number has the host's order
+        }
+        StreamAccess::readTo(stream, from);
+        return true;
+    }
     for (const Field& field : fields.rows)
     {
         visit(
-            field, static_cast<char*>(structure), [&](auto& number) { stream >> number; },
+            field, to, [&](auto& number) { stream >> number; },
             [&](char* text, unsigned int size) { stream.get(text, size); });
     }
     return !stream.fail();

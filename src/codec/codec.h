@@ -11,6 +11,7 @@
 #include "field.h"
 #include "stream.h"
 
+#pragma GCC visibility push(hidden) // calls to these need no way round through the linker's tables
 namespace bci::codec
 {
 
@@ -43,5 +44,6 @@ void putClosing(commonStream::ostream_text& stream, const Field& field, const Su
 void logMissing(const Fields& fields, const Field& field, const char* name, const char* document);
 
 } // namespace bci::codec
+#pragma GCC visibility pop
 
 #endif

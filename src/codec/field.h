@@ -50,18 +50,6 @@ struct Field
     const char* closingTag; // name in its closing tag: the same but for one field of the format
 };
 
-// A message's fields in wire order, and the source file that their log lines name. Spans of them too.
-struct Fields
-{
-    const char* source;
-    std::span<const Field> rows;
-
-    constexpr Fields part(std::size_t first, std::size_t count) const
-    {
-        return {source, rows.subspan(first, count)};
-    }
-};
-
 template <typename T>
 consteval Kind kindOf()
 {
@@ -164,6 +152,38 @@ constexpr unsigned int maxTextSize(std::span<const Field> rows)
     }
     return size;
 }
+
+// Characters that fields take in text at most.
+constexpr unsigned int longestText(std::span<const Field> rows)
+{
+    unsigned int size = 0;
+    for (const Field& field : rows)
+    {
+        size += (field.kind == Kind::text ? field.size : textWidth(field.kind)) + 1;
+    }
+    return size;
+}
+
+// A message's fields in wire order, and the source file that their log lines name. Spans of them too.
+struct Fields
+{
+    constexpr Fields() = default;
+    constexpr Fields(const char* theSource, std::span<const Field> theRows)
+        : source(theSource), rows(theRows), binarySize(static_cast<U16>(codec::binarySize(theRows))),
+          longestText(static_cast<U16>(codec::longestText(theRows)))
+    {
+    }
+
+    constexpr Fields part(std::size_t first, std::size_t count) const
+    {
+        return {source, rows.subspan(first, count)};
+    }
+
+    const char* source = nullptr;
+    std::span<const Field> rows;
+    U16 binarySize = 0;  // bytes that they take in the binary form
+    U16 longestText = 0; // characters that they take in text at most
+};
 
 } // namespace bci::codec
 

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 
+#pragma GCC visibility push(hidden) // calls to these need no way round through the linker's tables
 namespace bci::codec
 {
 
@@ -35,5 +36,6 @@ S32 toNumber(const TagContent& content);
 void copyContent(const TagContent& content, char* to, std::size_t size);
 
 } // namespace bci::codec
+#pragma GCC visibility pop
 
 #endif
