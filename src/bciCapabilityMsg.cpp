@@ -11,6 +11,7 @@
 
 using bci::codec::Case;
 using bci::codec::Choice;
+using bci::codec::Elements;
 using bci::codec::Field;
 using bci::codec::Fields;
 using bci::codec::List;
@@ -471,21 +472,23 @@ bool BciCapabilityCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 
 bool BciCapabilityCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
 {
-    if (!readXml(kConfirmCounted, m_bciMessagePtr, stream))
+    Elements elements(stream);
+    if (!readXml(kConfirmCounted, m_bciMessagePtr, elements))
     {
         return false;
     }
     const unsigned int capabilities = m_bciCapabilityCfmMsg->numberOfBoardCapabilities;
     if (exceeds("[src/bciCapabilityMsg:886] %d > %d", capabilities, kMaxCapabilities) ||
-        !readXml(kConfirmPadding, m_bciMessagePtr, stream))
+        !readXml(kConfirmPadding, m_bciMessagePtr, elements))
     {
         return false;
     }
+    const Support* previous = nullptr;
     for (unsigned int i = 0; i < capabilities; ++i)
     {
         const Capability<char> capability(m_bciMessagePtr, i);
         Subscripts subscripts = {i, 0};
-        if (!readXml(kCapability, capability.begin(), stream, &subscripts))
+        if (!readXml(kCapability, capability.begin(), elements, &subscripts))
         {
             return false;
         }
@@ -501,15 +504,18 @@ bool BciCapabilityCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
             syslog(LOG_INFO, "[src/bciCapabilityMsg:1118] cap %d nothing to do", kWithoutContent);
             continue;
         }
-        if (!readXml(support->counted, capability.content(), stream) ||
+        elements.repeat(support == previous);
+        previous = support;
+        if (!readXml(support->counted, capability.content(), elements) ||
             exceeds(support->readTooMany, capability.count(*support), support->bound) ||
-            !readXml(support->between, capability.content(), stream))
+            !readXml(support->between, capability.content(), elements))
         {
             return false;
         }
+        elements.repeat(false);
         for (unsigned int& j = subscripts.second; j < capability.elements(*support); ++j)
         {
-            if (!readXml(support->element, capability.element(*support, j), stream, &subscripts))
+            if (!readXml(support->element, capability.element(*support, j), elements, &subscripts))
             {
                 return false;
             }

@@ -11,6 +11,7 @@
 #include <syslog.h>
 
 using bci::codec::ElementName;
+using bci::codec::Elements;
 using bci::codec::Field;
 using bci::codec::Fields;
 using bci::codec::List;
@@ -206,22 +207,22 @@ bool writeFaultXml(const Layout& layout, const char* message, ostream_text& stre
     return writeXml(layout.faultCase, message, stream);
 }
 
-bool readWordXml(const Layout& layout, char* message, const char* document, unsigned int index)
+bool readWordXml(const Layout& layout, char* message, Elements& elements, unsigned int index)
 {
     const Subscripts subscripts = {index, 0};
     const ElementName name(layout.word.tag, &subscripts);
     TagContent content;
-    if (findTag(document, name.text(), content) == nullptr)
+    if (!elements.find(name.text(), name.size(), content))
     {
         if (layout.ownWordLine)
         {
             // The offset is where the lookup gave up.
             syslog(LOG_INFO, "[src/bciFaultMsg:560] additional data tag not found, i %d offset %d tag %s",
-                   static_cast<int>(index), static_cast<int>(std::strlen(document)), name.text());
+                   static_cast<int>(index), static_cast<int>(std::strlen(elements.document())), name.text());
         }
         else
         {
-            logMissing(wordOf(layout), layout.word, name.text(), document);
+            logMissing(wordOf(layout), layout.word, name.text(), elements.document());
         }
         return false;
     }
@@ -232,23 +233,24 @@ bool readWordXml(const Layout& layout, char* message, const char* document, unsi
 
 bool readFaultXml(const Layout& layout, char* message, istream_text& stream, unsigned int line)
 {
-    if (!readXml(layout.counted, message, stream))
+    Elements elements(stream);
+    if (!readXml(layout.counted, message, elements))
     {
         return false;
     }
     const unsigned int length = dataLength(layout, message);
-    if (isTooLong(length, LOG_INFO, line) || !readXml(layout.padding, message, stream))
+    if (isTooLong(length, LOG_INFO, line) || !readXml(layout.padding, message, elements))
     {
         return false;
     }
     for (unsigned int i = 0; i < length; ++i)
     {
-        if (!readWordXml(layout, message, stream.getBuffer(), i))
+        if (!readWordXml(layout, message, elements, i))
         {
             return false;
         }
     }
-    return readXml(layout.faultCase, message, stream);
+    return readXml(layout.faultCase, message, elements);
 }
 
 // For tools.

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <syslog.h>
 
+using bci::codec::Elements;
 using bci::codec::Field;
 using bci::codec::Fields;
 using bci::codec::Oddity;
@@ -243,7 +244,8 @@ bool BciHwLogSetReqMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 
 bool BciHwLogSetReqMsg::deserializeBciMsgFromXml(istream_text& stream)
 {
-    if (!readXml(kHwLogSetReqFixed, &m_hwLogSetReq, stream))
+    Elements elements(stream);
+    if (!readXml(kHwLogSetReqFixed, &m_hwLogSetReq, elements))
     {
         return false;
     }
@@ -253,9 +255,9 @@ bool BciHwLogSetReqMsg::deserializeBciMsgFromXml(istream_text& stream)
     {
         const char* const name = names.next();
         bci::codec::TagContent content;
-        if (bci::codec::findTag(stream.getBuffer(), name, content) == nullptr)
+        if (!elements.find(name, std::strlen(name), content))
         {
-            logMissing(kHwLogSetReq, kLogEntries, name, stream.getBuffer());
+            logMissing(kHwLogSetReq, kLogEntries, name, elements.document());
             return false;
         }
         const auto length = static_cast<unsigned int>(content.size());
@@ -340,7 +342,8 @@ bool BciHwLogGetCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 
 bool BciHwLogGetCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
 {
-    if (!readXml(kHwLogGetCfmFixed, &m_hwLogGetCfm, stream))
+    Elements elements(stream);
+    if (!readXml(kHwLogGetCfmFixed, &m_hwLogGetCfm, elements))
     {
         return false;
     }
@@ -350,7 +353,7 @@ bool BciHwLogGetCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
                kLogSize);
         return false;
     }
-    return readXml(kHwLogGetCfmEntry, &m_hwLogGetCfm, stream);
+    return readXml(kHwLogGetCfmEntry, &m_hwLogGetCfm, elements);
 }
 
 unsigned int BciHwLogGetCfmMsg::getMaxTextBufferSize()

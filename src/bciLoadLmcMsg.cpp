@@ -247,14 +247,15 @@ bool BciLoadLmcData::deserializeBciMsgFromBinary(istream_binary& stream)
 
 bool BciLoadLmcData::deserializeBciMsgFromXml(istream_text& stream)
 {
-    if (!readXml(kBeforeBlock, m_bciMessagePtr, stream) || isTooLarge(*m_loadLmcData, 618))
+    bci::codec::Elements elements(stream);
+    if (!readXml(kBeforeBlock, m_bciMessagePtr, elements) || isTooLarge(*m_loadLmcData, 618))
     {
         return false;
     }
     bci::codec::TagContent content;
-    if (bci::codec::findTag(stream.getBuffer(), kBlock.tag, content) == nullptr)
+    if (!elements.find(kBlock.tag, std::strlen(kBlock.tag), content))
     {
-        logMissing(kLoadLmcData, kBlock, kBlock.tag, stream.getBuffer());
+        logMissing(kLoadLmcData, kBlock, kBlock.tag, elements.document());
         return false;
     }
     // Zeros fill the block up behind a shorter content, and no terminator follows a longer one.

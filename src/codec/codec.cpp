@@ -1,12 +1,13 @@
 #include "codec.h"
 
+#include "decimal.h"
 #include "streamAccess.h"
 #include "tagLookup.h"
 
-#include <array>
 #include <bit>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 #include <syslog.h>
 #include <type_traits>
 
@@ -92,54 +93,10 @@ void loadBigEndian(const char* from, T& number)
     number = bigEndian(number);
 }
 
-// Two digits for each number below 100.
-constexpr auto kDigitPairs = []
+char* copy(char* to, std::string_view text)
 {
-    std::array<char, 200> pairs = {};
-    for (std::size_t i = 0; i < 100; ++i)
-    {
-        pairs[2 * i] = static_cast<char>('0' + i / 10);
-        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
-    }
-    return pairs;
-}();
-
-char* putDecimal(char* to, U32 number)
-{
-    char digits[10];
-    char* begin = digits + sizeof digits;
-    while (number >= 100)
-    {
-        begin -= 2;
-        std::memcpy(begin, &kDigitPairs[2 * (number % 100)], 2);
-        number /= 100;
-    }
-    if (number >= 10)
-    {
-        begin -= 2;
-        std::memcpy(begin, &kDigitPairs[2 * number], 2);
-    }
-    else
-    {
-        *--begin = static_cast<char>('0' + number);
-    }
-    const std::size_t length = static_cast<std::size_t>(digits + sizeof digits - begin);
-    std::memcpy(to, begin, length);
-    return to + length;
-}
-
-template <typename T>
-char* putDecimal(char* to, T number)
-{
-    if constexpr (std::is_signed_v<T>)
-    {
-        if (number < 0)
-        {
-            *to++ = '-';
-            return putDecimal(to, 0 - static_cast<U32>(number));
-        }
-    }
-    return putDecimal(to, static_cast<U32>(number));
+    std::memcpy(to, text.data(), text.size());
+    return to + text.size();
 }
 
 bool isDigit(char ch)
@@ -281,7 +238,7 @@ void logMissing(const Fields& fields, const Field& field, const char* name, cons
 bool writeText(const Fields& fields, const void* structure, ostream_text& stream)
 {
     const char* const from = static_cast<const char*>(structure);
-    if (StreamAccess::room(stream) >= fields.longestText)
+    if (StreamAccess::room(stream) >= fields.longestText && fields.longestText != 0)
     {
         char* to = StreamAccess::next(stream);
         for (const Field& field : fields.rows)
@@ -392,18 +349,50 @@ bool readBinary(const Fields& fields, void* structure, istream_binary& stream)
 
 bool writeXml(const Fields& fields, const void* structure, ostream_text& stream, const Subscripts* subscripts)
 {
+    const char* const from = static_cast<const char*>(structure);
+    // An index stands in both tags.
+    const std::size_t indexes = subscripts != nullptr ? fields.rows.size() * 2 * kLongestSubscripts : 0;
+    if (StreamAccess::room(stream) >= fields.longestXml + indexes && fields.longestXml != 0)
+    {
+        char* to = StreamAccess::next(stream);
+        for (const Field& field : fields.rows)
+        {
+            const ElementName name(field.tag, subscripts);
+            const bool bare = field.oddity == Oddity::bareOpening;
+            to = copy(to, bare ? std::string_view("<") : std::string_view("\t<"));
+            to = copy(to, {name.text(), name.size()});
+            to = copy(to, bare ? std::string_view(">\n\t   ") : std::string_view(">\n\t  "));
+            visit(
+                field, from, [&](const auto& number) { to = putDecimal(to, number); },
+                [&](const char* text, unsigned int size) {
+                    to = copy(to, {text, textLength(text, size)});
+                });
+            to = copy(to, "\n\t</");
+            to = field.closingTag == field.tag ? copy(to, {name.text(), name.size()})
+                                               : copy(to, ElementName(field.closingTag, subscripts).text());
+            to = copy(to, ">\n");
+        }
+        StreamAccess::wroteTo(stream, to);
+        return true;
+    }
     for (const Field& field : fields.rows)
     {
         putOpening(stream, field, subscripts);
         visit(
-            field, static_cast<const char*>(structure), [&](const auto& number) { stream << number; },
+            field, from, [&](const auto& number) { stream << number; },
             [&](const char* text, unsigned int size) { stream.put(text, textLength(text, size)); });
         putClosing(stream, field, subscripts);
     }
     return !stream.fail();
 }
 
-bool readXml(const Fields& fields, void* structure, istream_text& stream, const Subscripts* subscripts)
+bool readXml(const Fields& fields, void* structure, istream_text& stream)
+{
+    Elements elements(stream);
+    return readXml(fields, structure, elements);
+}
+
+bool readXml(const Fields& fields, void* structure, Elements& elements, const Subscripts* subscripts)
 {
     for (const Field& field : fields.rows)
     {
@@ -413,9 +402,9 @@ bool readXml(const Fields& fields, void* structure, istream_text& stream, const 
         }
         const ElementName name(field.tag, subscripts);
         TagContent content;
-        if (findTag(stream.getBuffer(), name.text(), content) == nullptr)
+        if (!elements.find(name.text(), name.size(), content))
         {
-            logMissing(fields, field, name.text(), stream.getBuffer());
+            logMissing(fields, field, name.text(), elements.document());
             return false;
         }
         visit(

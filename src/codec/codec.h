@@ -8,6 +8,7 @@
 #define BCI_CODEC_CODEC_H
 
 #include "elementName.h"
+#include "elements.h"
 #include "field.h"
 #include "stream.h"
 
@@ -33,8 +34,10 @@ bool writeXml(const Fields& fields, const void* structure, commonStream::ostream
 
 // Looks every field up in the whole of the stream's buffer, which ends at its terminating zero. Logs the
 // first element that is missing, and stops there. The stream itself is not read.
-bool readXml(const Fields& fields, void* structure, commonStream::istream_text& stream,
-             const Subscripts* subscripts = nullptr);
+bool readXml(const Fields& fields, void* structure, commonStream::istream_text& stream);
+
+// The same for a message that looks its fields up in several runs.
+bool readXml(const Fields& fields, void* structure, Elements& elements, const Subscripts* subscripts = nullptr);
 
 // What stands around a value in XML, for messages that write it themselves.
 void putOpening(commonStream::ostream_text& stream, const Field& field, const Subscripts* subscripts);

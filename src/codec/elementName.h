@@ -2,9 +2,10 @@
 #ifndef BCI_CODEC_ELEMENT_NAME_H
 #define BCI_CODEC_ELEMENT_NAME_H
 
+#include "decimal.h"
 #include "field.h"
 
-#include <cstdio>
+#include <cstddef>
 #include <cstring>
 
 namespace bci::codec
@@ -19,27 +20,30 @@ struct Subscripts
     unsigned int second;
 };
 
+// Characters that indexes add to a name at most: ten digits each, and an underscore less than there was.
+constexpr unsigned int kLongestSubscripts = 20;
+
 // The name of an element: a tag with the indexes that it takes.
 class ElementName
 {
 public:
-    ElementName(const char* tag, const Subscripts* subscripts) : m_name(tag)
+    ElementName(const char* tag, const Subscripts* subscripts) : m_name(tag), m_size(std::strlen(tag))
     {
-        const std::size_t length = std::strlen(tag);
-        if (subscripts == nullptr || tag[length - 1] != '_')
+        if (subscripts == nullptr || tag[m_size - 1] != '_')
         {
             return;
         }
-        if (tag[length - 2] == '_')
+        const bool twofold = tag[m_size - 2] == '_';
+        std::memcpy(m_indexed, tag, m_size);
+        char* end = putDecimal(m_indexed + m_size - (twofold ? 1 : 0), subscripts->first);
+        if (twofold)
         {
-            std::snprintf(m_indexed, sizeof m_indexed, "%.*s%u_%u", static_cast<int>(length - 1), tag,
-                          subscripts->first, subscripts->second);
+            *end++ = '_';
+            end = putDecimal(end, subscripts->second);
         }
-        else
-        {
-            std::snprintf(m_indexed, sizeof m_indexed, "%s%u", tag, subscripts->first);
-        }
+        *end = '\0';
         m_name = m_indexed;
+        m_size = static_cast<std::size_t>(end - m_indexed);
     }
 
     ElementName(const ElementName&) = delete;
@@ -50,9 +54,15 @@ public:
         return m_name;
     }
 
+    std::size_t size() const
+    {
+        return m_size;
+    }
+
 private:
-    char m_indexed[kMaxTagLength + 22]; // two indexes of at most ten digits, '_' and the zero
+    char m_indexed[kMaxTagLength + kLongestSubscripts + 1];
     const char* m_name;
+    std::size_t m_size;
 };
 
 } // namespace bci::codec

@@ -7,6 +7,7 @@
 #include <concepts>
 #include <cstddef>
 #include <span>
+#include <string_view>
 #include <type_traits>
 
 namespace bci::codec
@@ -164,13 +165,28 @@ constexpr unsigned int longestText(std::span<const Field> rows)
     return size;
 }
 
+// Characters that fields take in XML at most, apart from the indexes in their names.
+constexpr unsigned int longestXml(std::span<const Field> rows)
+{
+    constexpr unsigned int kLayout = 13;
+    unsigned int size = 0;
+    for (const Field& field : rows)
+    {
+        size += (field.kind == Kind::text ? field.size : textWidth(field.kind)) + kLayout +
+                static_cast<unsigned int>(std::string_view(field.tag).size() +
+                                          std::string_view(field.closingTag).size());
+    }
+    return size;
+}
+
 // A message's fields in wire order, and the source file that their log lines name. Spans of them too.
 struct Fields
 {
     constexpr Fields() = default;
     constexpr Fields(const char* theSource, std::span<const Field> theRows)
         : source(theSource), rows(theRows), binarySize(static_cast<U16>(codec::binarySize(theRows))),
-          longestText(static_cast<U16>(codec::longestText(theRows)))
+          longestText(static_cast<U16>(codec::longestText(theRows))),
+          longestXml(static_cast<U16>(codec::longestXml(theRows)))
     {
     }
 
@@ -183,6 +199,7 @@ struct Fields
     std::span<const Field> rows;
     U16 binarySize = 0;  // bytes that they take in the binary form
     U16 longestText = 0; // characters that they take in text at most
+    U16 longestXml = 0;  // characters that they take in XML at most, apart from indexes
 };
 
 } // namespace bci::codec

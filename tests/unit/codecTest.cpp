@@ -78,7 +78,8 @@ bool readXmlText(std::string document, const Fields& fields, void* structure,
 {
     istream_text stream;
     stream.attachBuffer(document.data(), static_cast<unsigned int>(document.size()));
-    const bool result = readXml(fields, structure, stream, subscripts);
+    Elements elements(stream);
+    const bool result = readXml(fields, structure, elements, subscripts);
     EXPECT_EQ(stream.tellg(), 0U);
     EXPECT_EQ(stream.status(), 0U);
     return result;

@@ -1,0 +1,50 @@
+#include "elements.h"
+
+#include <cstring>
+
+namespace bci::codec
+{
+
+namespace
+{
+
+// Whether a text begins so. Stops at the zero that ends the document.
+bool startsWith(const char* text, const char* beginning, std::size_t size)
+{
+    return std::strncmp(text, beginning, size) == 0;
+}
+
+} // namespace
+
+bool Elements::takeNext(const char* name, std::size_t size, TagContent& content)
+{
+    if (m_next == nullptr)
+    {
+        return false;
+    }
+    // One element of the format begins without its tab.
+    const char* const opening = m_next + (*m_next == '\t' ? 1 : 0);
+    m_next = nullptr;
+    if (*opening != '<' || !startsWith(opening + 1, name, size) || !startsWith(opening + 1 + size, ">\n\t  ", 5))
+    {
+        return false;
+    }
+    const char* const begin = opening + 1 + size + 5;
+    const char* const closing = std::strchr(begin, '<');
+    if (closing == nullptr || closing - begin < 2 || closing[-2] != '\n' || closing[-1] != '\t' ||
+        closing[1] != '/' || !startsWith(closing + 2, name, size) || !startsWith(closing + 2 + size, ">\n", 2))
+    {
+        return false;
+    }
+    content = {begin, closing - 2};
+    m_next = closing + 2 + size + 2;
+    return true;
+}
+
+bool Elements::find(const char* name, std::size_t size, TagContent& content)
+{
+    const bool taken = takeNext(name, size, content);
+    return (taken && !m_repeats) || findTag(m_document, name, content) != nullptr;
+}
+
+} // namespace bci::codec
