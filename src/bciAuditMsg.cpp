@@ -17,19 +17,20 @@ constexpr Field kAuditCfmRows[] = {
     BCI_FIELD(VornBcAuditCfmS, addressInfo.serverRef, "serverRef", 112),
     BCI_FIELD(VornBcAuditCfmS, mainState, "mainState", 119),
 };
-constexpr Fields kAuditCfm = {"bciAuditMsg", kAuditCfmRows};
 static_assert(maxTextSize(kAuditCfmRows) == 35 + 7);
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
 static_assert(binarySize(kAuditCfmRows) == 14);
 
 } // namespace
 
+constinit const Fields bci::kAuditCfm = {"bciAuditMsg", kAuditCfmRows};
+
 const bci::codec::Shape bci::kAuditCfmShape = {
     "BciAuditCfm", "VornBcAuditCfmS", sizeof(VornBcAuditCfmS), {kAuditCfmRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciAuditCfm, m_auditCfm)
 BCI_DEFINE_MESSAGE(BciAuditCfm, m_auditCfm)
-BCI_DEFINE_CODECS(BciAuditCfm, m_auditCfm, kAuditCfm)
+BCI_DEFINE_CODECS(BciAuditCfm, m_auditCfm, auditCfm)
 
 unsigned int BciAuditCfm::getMaxTextBufferSize()
 {

@@ -12,7 +12,6 @@ namespace
 constexpr Field kGenericRows[] = {
     BCI_HEADER(GenericMsgS, 99),
 };
-constexpr Fields kGeneric = {"bciCommonMsg", kGenericRows};
 static_assert(maxTextSize(kGenericRows) == 35);
 static_assert(binarySize(kGenericRows) == sizeof(GenericMsgS));
 
@@ -23,29 +22,32 @@ constexpr Field kGenericRejRows[] = {
     BCI_FIELD(GenericRejMsgS, cause.errorDescription, "errorDescription", 264),
     BCI_FIELD(GenericRejMsgS, cause.padding1, "rejectCausePadding1", 271),
 };
-constexpr Fields kGenericRej = {"bciCommonMsg", kGenericRejRows};
 static_assert(maxTextSize(kGenericRejRows) == 35 + 458);
 static_assert(binarySize(kGenericRejRows) == sizeof(GenericRejMsgS));
 
 } // namespace
 
+constinit const Fields bci::kGeneric = {"bciCommonMsg", kGenericRows};
+
 const bci::codec::Shape bci::kGenericShape = {"BciGenericMsg", "GenericMsgS", sizeof(GenericMsgS), {kGenericRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciGenericMsg, m_genericMsg)
 BCI_DEFINE_MESSAGE(BciGenericMsg, m_genericMsg)
-BCI_DEFINE_CODECS(BciGenericMsg, m_genericMsg, kGeneric)
+BCI_DEFINE_CODECS(BciGenericMsg, m_genericMsg, generic)
 
 unsigned int BciGenericMsg::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize();
 }
 
+constinit const Fields bci::kGenericRej = {"bciCommonMsg", kGenericRejRows};
+
 const bci::codec::Shape bci::kGenericRejShape = {
     "BciGenericRejMsg", "GenericRejMsgS", sizeof(GenericRejMsgS), {kGenericRejRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciGenericRejMsg, m_genericRejMsg)
 BCI_DEFINE_MESSAGE(BciGenericRejMsg, m_genericRejMsg)
-BCI_DEFINE_CODECS(BciGenericRejMsg, m_genericRejMsg, kGenericRej)
+BCI_DEFINE_CODECS(BciGenericRejMsg, m_genericRejMsg, genericRej)
 
 unsigned int BciGenericRejMsg::getMaxTextBufferSize()
 {

@@ -13,7 +13,6 @@ constexpr Field kConnEstReqRows[] = {
     BCI_HEADER(VornBcConnEstablishReqS, 96),
     BCI_FIELD(VornBcConnEstablishReqS, protocolRev, "protocolRev", 117),
 };
-constexpr Fields kConnEstReq = {"bciConnEstablishMsg", kConnEstReqRows};
 static_assert(maxTextSize(kConnEstReqRows) == 35 + 6);
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
 static_assert(binarySize(kConnEstReqRows) == 14);
@@ -27,30 +26,33 @@ constexpr Field kConnEstRejRows[] = {
     BCI_FIELD(VornBcConnEstablishRejS, rejectCause.errorDescription, "errorDescription", 294),
     BCI_FIELD(VornBcConnEstablishRejS, rejectCause.padding1, "rejectCausePadding1", 301),
 };
-constexpr Fields kConnEstRej = {"bciConnEstablishMsg", kConnEstRejRows};
 static_assert(maxTextSize(kConnEstRejRows) == 35 + 470);
 static_assert(binarySize(kConnEstRejRows) == sizeof(VornBcConnEstablishRejS));
 
 } // namespace
+
+constinit const Fields bci::kConnEstReq = {"bciConnEstablishMsg", kConnEstReqRows};
 
 const bci::codec::Shape bci::kConnEstReqShape = {
     "BciConnEstReq", "VornBcConnEstablishReqS", sizeof(VornBcConnEstablishReqS), {kConnEstReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciConnEstReq, m_connEstReq)
 BCI_DEFINE_MESSAGE(BciConnEstReq, m_connEstReq)
-BCI_DEFINE_CODECS(BciConnEstReq, m_connEstReq, kConnEstReq)
+BCI_DEFINE_CODECS(BciConnEstReq, m_connEstReq, connEstReq)
 
 unsigned int BciConnEstReq::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 6;
 }
 
+constinit const Fields bci::kConnEstRej = {"bciConnEstablishMsg", kConnEstRejRows};
+
 const bci::codec::Shape bci::kConnEstRejShape = {
     "BciConnEstRej", "VornBcConnEstablishRejS", sizeof(VornBcConnEstablishRejS), {kConnEstRejRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciConnEstRej, m_ConnEstRej)
 BCI_DEFINE_MESSAGE(BciConnEstRej, m_ConnEstRej)
-BCI_DEFINE_CODECS(BciConnEstRej, m_ConnEstRej, kConnEstRej)
+BCI_DEFINE_CODECS(BciConnEstRej, m_ConnEstRej, connEstRej)
 
 unsigned int BciConnEstRej::getMaxTextBufferSize()
 {

@@ -40,7 +40,6 @@ constexpr Field kGetHwPidCfmRows[] = {
     // Written, but never looked up.
     BCI_FIELD(VornBcGetHwPidCfmS, serialNumber, "serialNumber", 0, Oddity::notReadFromXml),
 };
-constexpr Fields kGetHwPidCfm = {"bciHwMsg", kGetHwPidCfmRows};
 static_assert(maxTextSize(kGetHwPidCfmRows) == 35 + 304);
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
 static_assert(binarySize(kGetHwPidCfmRows) == 90);
@@ -49,7 +48,6 @@ constexpr Field kHwLogGetReqRows[] = {
     BCI_HEADER(VornBcHwLogGetReqS, 452),
     BCI_FIELD(VornBcHwLogGetReqS, logId, "logId", 473),
 };
-constexpr Fields kHwLogGetReq = {"bciHwMsg", kHwLogGetReqRows};
 static_assert(maxTextSize(kHwLogGetReqRows) == 35 + 11);
 static_assert(binarySize(kHwLogGetReqRows) == sizeof(VornBcHwLogGetReqS));
 
@@ -133,29 +131,31 @@ constexpr bci::codec::Part kHwLogGetCfmFurther[] = {&kHwLogGetCfmLength, kHwLogG
 
 } // namespace
 
+constinit const Fields bci::kGetHwPidCfm = {"bciHwMsg", kGetHwPidCfmRows};
+
 const bci::codec::Shape bci::kGetHwPidCfmShape = {
     "BciGetHwPidCfmMsg", "VornBcGetHwPidCfmS", sizeof(VornBcGetHwPidCfmS), {kGetHwPidCfmRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciGetHwPidCfmMsg, m_getHwPidCfm)
 BCI_DEFINE_MESSAGE(BciGetHwPidCfmMsg, m_getHwPidCfm)
-BCI_DEFINE_WRITERS(BciGetHwPidCfmMsg, m_getHwPidCfm, kGetHwPidCfm)
+BCI_DEFINE_WRITERS(BciGetHwPidCfmMsg, m_getHwPidCfm, getHwPidCfm)
 
 bool BciGetHwPidCfmMsg::deserializeBciMsgFromText(istream_text& stream)
 {
     std::memset(&m_getHwPidCfm, 0, sizeof m_getHwPidCfm);
-    return readText(kGetHwPidCfm, &m_getHwPidCfm, stream);
+    return readText(bci::kGetHwPidCfm, &m_getHwPidCfm, stream);
 }
 
 bool BciGetHwPidCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 {
     std::memset(&m_getHwPidCfm, 0, sizeof m_getHwPidCfm);
-    return readBinary(kGetHwPidCfm, &m_getHwPidCfm, stream);
+    return readBinary(bci::kGetHwPidCfm, &m_getHwPidCfm, stream);
 }
 
 // Unlike the others, this reader clears nothing first.
 bool BciGetHwPidCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
 {
-    return readXml(kGetHwPidCfm, &m_getHwPidCfm, stream);
+    return readXml(bci::kGetHwPidCfm, &m_getHwPidCfm, stream);
 }
 
 unsigned int BciGetHwPidCfmMsg::getMaxTextBufferSize()
@@ -163,12 +163,14 @@ unsigned int BciGetHwPidCfmMsg::getMaxTextBufferSize()
     return BciMessageBase::getMaxTextBufferSize() + 304;
 }
 
+constinit const Fields bci::kHwLogGetReq = {"bciHwMsg", kHwLogGetReqRows};
+
 const bci::codec::Shape bci::kHwLogGetReqShape = {
     "BciHwLogGetReqMsg", "VornBcHwLogGetReqS", sizeof(VornBcHwLogGetReqS), {kHwLogGetReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciHwLogGetReqMsg, m_hwLogGetReq)
 BCI_DEFINE_MESSAGE(BciHwLogGetReqMsg, m_hwLogGetReq)
-BCI_DEFINE_CODECS(BciHwLogGetReqMsg, m_hwLogGetReq, kHwLogGetReq)
+BCI_DEFINE_CODECS(BciHwLogGetReqMsg, m_hwLogGetReq, hwLogGetReq)
 
 unsigned int BciHwLogGetReqMsg::getMaxTextBufferSize()
 {

@@ -13,26 +13,26 @@ constexpr Field kLoadLmcInitReqRows[] = {
     BCI_HEADER(VornBcLoadLmcInitReqS, 101),
     BCI_FIELD(VornBcLoadLmcInitReqS, loadModule, "loadModule", 122),
 };
-constexpr Fields kLoadLmcInitReq = {"bciLoadLmcInitMsg", kLoadLmcInitReqRows};
 static_assert(binarySize(kLoadLmcInitReqRows) == sizeof(VornBcLoadLmcInitReqS));
 
 constexpr Field kLoadLmcInitCfmRows[] = {
     BCI_HEADER(VornBcLoadLmcInitCfmS, 204),
     BCI_FIELD(VornBcLoadLmcInitCfmS, loadInitResult, "loadInitResult", 225),
 };
-constexpr Fields kLoadLmcInitCfm = {"bciLoadLmcInitMsg", kLoadLmcInitCfmRows};
 static_assert(maxTextSize(kLoadLmcInitCfmRows) == 35 + 6);
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
 static_assert(binarySize(kLoadLmcInitCfmRows) == 14);
 
 } // namespace
 
+constinit const Fields bci::kLoadLmcInitReq = {"bciLoadLmcInitMsg", kLoadLmcInitReqRows};
+
 const bci::codec::Shape bci::kLoadLmcInitReqShape = {
     "BciLoadLmcInitReq", "VornBcLoadLmcInitReqS", sizeof(VornBcLoadLmcInitReqS), {kLoadLmcInitReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcInitReq, m_loadLmcInitReq)
 BCI_DEFINE_MESSAGE(BciLoadLmcInitReq, m_loadLmcInitReq)
-BCI_DEFINE_CODECS(BciLoadLmcInitReq, m_loadLmcInitReq, kLoadLmcInitReq)
+BCI_DEFINE_CODECS(BciLoadLmcInitReq, m_loadLmcInitReq, loadLmcInitReq)
 
 unsigned int BciLoadLmcInitReq::getMaxTextBufferSize()
 {
@@ -40,12 +40,14 @@ unsigned int BciLoadLmcInitReq::getMaxTextBufferSize()
     return (BciMessageBase::getMaxTextBufferSize() & 0xFF) + 180;
 }
 
+constinit const Fields bci::kLoadLmcInitCfm = {"bciLoadLmcInitMsg", kLoadLmcInitCfmRows};
+
 const bci::codec::Shape bci::kLoadLmcInitCfmShape = {
     "BciLoadLmcInitCfm", "VornBcLoadLmcInitCfmS", sizeof(VornBcLoadLmcInitCfmS), {kLoadLmcInitCfmRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcInitCfm, m_loadLmcInitCfm)
 BCI_DEFINE_MESSAGE(BciLoadLmcInitCfm, m_loadLmcInitCfm)
-BCI_DEFINE_CODECS(BciLoadLmcInitCfm, m_loadLmcInitCfm, kLoadLmcInitCfm)
+BCI_DEFINE_CODECS(BciLoadLmcInitCfm, m_loadLmcInitCfm, loadLmcInitCfm)
 
 unsigned int BciLoadLmcInitCfm::getMaxTextBufferSize()
 {

@@ -26,7 +26,6 @@ constexpr Field kLoadLmcReqRows[] = {
     BCI_FIELD(VornBcLoadLmcReqS, loadModule, "loadModule", 136),
     BCI_FIELD(VornBcLoadLmcReqS, searchPath, "searchPath", 143),
 };
-constexpr Fields kLoadLmcReq = {"bciLoadLmcMsg", kLoadLmcReqRows};
 static_assert(maxTextSize(kLoadLmcReqRows) == 35 + 944);
 static_assert(binarySize(kLoadLmcReqRows) == sizeof(VornBcLoadLmcReqS));
 
@@ -35,7 +34,6 @@ constexpr Field kLoadLmcAckRows[] = {
     // The writer closes this element by the name of another.
     closedBy(BCI_FIELD(VornBcLoadLmcAckS, lmSeqNr, "lmSeqNr", 246), "loadModule"),
 };
-constexpr Fields kLoadLmcAck = {"bciLoadLmcMsg", kLoadLmcAckRows};
 static_assert(maxTextSize(kLoadLmcAckRows) == 35 + 6);
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
 static_assert(binarySize(kLoadLmcAckRows) == 14);
@@ -44,7 +42,6 @@ constexpr Field kLoadLmcEndCfmRows[] = {
     BCI_HEADER(VornBcLoadLmcEndCfmS, 328),
     BCI_FIELD(VornBcLoadLmcEndCfmS, loadResult, "loadResult", 349),
 };
-constexpr Fields kLoadLmcEndCfm = {"bciLoadLmcMsg", kLoadLmcEndCfmRows};
 static_assert(maxTextSize(kLoadLmcEndCfmRows) == 35 + 6);
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
 static_assert(binarySize(kLoadLmcEndCfmRows) == 14);
@@ -53,7 +50,6 @@ constexpr Field kSelectLmcReqRows[] = {
     BCI_HEADER(VornBcSelectLmcReqS, 439),
     BCI_FIELD(VornBcSelectLmcReqS, loadModule, "loadModule", 460),
 };
-constexpr Fields kSelectLmcReq = {"bciLoadLmcMsg", kSelectLmcReqRows};
 static_assert(binarySize(kSelectLmcReqRows) == sizeof(VornBcSelectLmcReqS));
 
 // The last row stands for the block, which has no fixed size.
@@ -105,48 +101,56 @@ constexpr bci::codec::Part kLoadLmcDataFurther[] = {&kDataBlock};
 
 } // namespace
 
+constinit const Fields bci::kLoadLmcReq = {"bciLoadLmcMsg", kLoadLmcReqRows};
+
 const bci::codec::Shape bci::kLoadLmcReqShape = {
     "BciLoadLmcReq", "VornBcLoadLmcReqS", sizeof(VornBcLoadLmcReqS), {kLoadLmcReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcReq, m_loadLmcReq)
 BCI_DEFINE_MESSAGE(BciLoadLmcReq, m_loadLmcReq)
-BCI_DEFINE_CODECS(BciLoadLmcReq, m_loadLmcReq, kLoadLmcReq)
+BCI_DEFINE_CODECS(BciLoadLmcReq, m_loadLmcReq, loadLmcReq)
 
 unsigned int BciLoadLmcReq::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 944;
 }
 
+constinit const Fields bci::kLoadLmcAck = {"bciLoadLmcMsg", kLoadLmcAckRows};
+
 const bci::codec::Shape bci::kLoadLmcAckShape = {
     "BciLoadLmcAck", "VornBcLoadLmcAckS", sizeof(VornBcLoadLmcAckS), {kLoadLmcAckRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcAck, m_loadLmcAck)
 BCI_DEFINE_MESSAGE(BciLoadLmcAck, m_loadLmcAck)
-BCI_DEFINE_CODECS(BciLoadLmcAck, m_loadLmcAck, kLoadLmcAck)
+BCI_DEFINE_CODECS(BciLoadLmcAck, m_loadLmcAck, loadLmcAck)
 
 unsigned int BciLoadLmcAck::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 6;
 }
 
+constinit const Fields bci::kLoadLmcEndCfm = {"bciLoadLmcMsg", kLoadLmcEndCfmRows};
+
 const bci::codec::Shape bci::kLoadLmcEndCfmShape = {
     "BciLoadLmcEndCfm", "VornBcLoadLmcEndCfmS", sizeof(VornBcLoadLmcEndCfmS), {kLoadLmcEndCfmRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcEndCfm, m_loadLmcEndCfm)
 BCI_DEFINE_MESSAGE(BciLoadLmcEndCfm, m_loadLmcEndCfm)
-BCI_DEFINE_CODECS(BciLoadLmcEndCfm, m_loadLmcEndCfm, kLoadLmcEndCfm)
+BCI_DEFINE_CODECS(BciLoadLmcEndCfm, m_loadLmcEndCfm, loadLmcEndCfm)
 
 unsigned int BciLoadLmcEndCfm::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 6;
 }
 
+constinit const Fields bci::kSelectLmcReq = {"bciLoadLmcMsg", kSelectLmcReqRows};
+
 const bci::codec::Shape bci::kSelectLmcReqShape = {
     "BciSelectLmcReq", "VornBcSelectLmcReqS", sizeof(VornBcSelectLmcReqS), {kSelectLmcReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciSelectLmcReq, m_selectLmcReq)
 BCI_DEFINE_MESSAGE(BciSelectLmcReq, m_selectLmcReq)
-BCI_DEFINE_CODECS(BciSelectLmcReq, m_selectLmcReq, kSelectLmcReq)
+BCI_DEFINE_CODECS(BciSelectLmcReq, m_selectLmcReq, selectLmcReq)
 
 unsigned int BciSelectLmcReq::getMaxTextBufferSize()
 {

@@ -13,7 +13,6 @@ constexpr Field kSetMaintStateReqRows[] = {
     BCI_HEADER(VornBcSetMaintStateReqS, 96),
     BCI_FIELD(VornBcSetMaintStateReqS, maintState, "maintState", 117),
 };
-constexpr Fields kSetMaintStateReq = {"bciMaintStateMsg", kSetMaintStateReqRows};
 static_assert(maxTextSize(kSetMaintStateReqRows) == 35 + 11);
 static_assert(binarySize(kSetMaintStateReqRows) == sizeof(VornBcSetMaintStateReqS));
 
@@ -21,23 +20,26 @@ constexpr Field kMaintStateIndRows[] = {
     BCI_HEADER(VornBcMaintStateIndS, 199),
     BCI_FIELD(VornBcMaintStateIndS, maintState, "maintState", 220),
 };
-constexpr Fields kMaintStateInd = {"bciMaintStateMsg", kMaintStateIndRows};
 static_assert(maxTextSize(kMaintStateIndRows) == 35 + 11);
 static_assert(binarySize(kMaintStateIndRows) == sizeof(VornBcMaintStateIndS));
 
 } // namespace
+
+constinit const Fields bci::kSetMaintStateReq = {"bciMaintStateMsg", kSetMaintStateReqRows};
 
 const bci::codec::Shape bci::kSetMaintStateReqShape = {
     "BciSetMaintStateReq", "VornBcSetMaintStateReqS", sizeof(VornBcSetMaintStateReqS), {kSetMaintStateReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciSetMaintStateReq, m_setMaintStateReq)
 BCI_DEFINE_MESSAGE(BciSetMaintStateReq, m_setMaintStateReq)
-BCI_DEFINE_CODECS(BciSetMaintStateReq, m_setMaintStateReq, kSetMaintStateReq)
+BCI_DEFINE_CODECS(BciSetMaintStateReq, m_setMaintStateReq, setMaintStateReq)
 
 unsigned int BciSetMaintStateReq::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 11;
 }
+
+constinit const Fields bci::kMaintStateInd = {"bciMaintStateMsg", kMaintStateIndRows};
 
 const bci::codec::Shape bci::kMaintStateIndShape = {
     "BciMaintStateInd", "VornBcMaintStateIndS", sizeof(VornBcMaintStateIndS), {kMaintStateIndRows}};
@@ -50,7 +52,7 @@ BciMaintStateInd::BciMaintStateInd(SIGSELECT sigNo)
 }
 
 BCI_DEFINE_MESSAGE(BciMaintStateInd, m_maintStateInd)
-BCI_DEFINE_CODECS(BciMaintStateInd, m_maintStateInd, kMaintStateInd)
+BCI_DEFINE_CODECS(BciMaintStateInd, m_maintStateInd, maintStateInd)
 
 unsigned int BciMaintStateInd::getMaxTextBufferSize()
 {

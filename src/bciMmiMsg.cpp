@@ -13,18 +13,19 @@ constexpr Field kSelectMmiReqRows[] = {
     BCI_HEADER(VornBcSelectMmiReqS, 96),
     BCI_FIELD(VornBcSelectMmiReqS, mmiState, "mmiState", 117),
 };
-constexpr Fields kSelectMmiReq = {"bciMmiMsg", kSelectMmiReqRows};
 static_assert(maxTextSize(kSelectMmiReqRows) == 35 + 11);
 static_assert(binarySize(kSelectMmiReqRows) == sizeof(VornBcSelectMmiReqS));
 
 } // namespace
+
+constinit const Fields bci::kSelectMmiReq = {"bciMmiMsg", kSelectMmiReqRows};
 
 const bci::codec::Shape bci::kSelectMmiReqShape = {
     "BciSelectMmiReq", "VornBcSelectMmiReqS", sizeof(VornBcSelectMmiReqS), {kSelectMmiReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciSelectMmiReq, m_selectMmiReq)
 BCI_DEFINE_MESSAGE(BciSelectMmiReq, m_selectMmiReq)
-BCI_DEFINE_CODECS(BciSelectMmiReq, m_selectMmiReq, kSelectMmiReq)
+BCI_DEFINE_CODECS(BciSelectMmiReq, m_selectMmiReq, selectMmiReq)
 
 unsigned int BciSelectMmiReq::getMaxTextBufferSize()
 {

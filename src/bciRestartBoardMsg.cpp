@@ -13,19 +13,20 @@ constexpr Field kRestartBoardFwdRows[] = {
     BCI_HEADER(VornBcRestartBoardFwdS, 115),
     BCI_FIELD(VornBcRestartBoardFwdS, traceInformation, "traceInformation", 136),
 };
-constexpr Fields kRestartBoardFwd = {"bciRestartBoardMsg", kRestartBoardFwdRows};
 static_assert(maxTextSize(kRestartBoardFwdRows) == 35 + 552);
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
 static_assert(binarySize(kRestartBoardFwdRows) == 150);
 
 } // namespace
 
+constinit const Fields bci::kRestartBoardFwd = {"bciRestartBoardMsg", kRestartBoardFwdRows};
+
 const bci::codec::Shape bci::kRestartBoardFwdShape = {
     "BciRestartBoardFwdMsg", "VornBcRestartBoardFwdS", sizeof(VornBcRestartBoardFwdS), {kRestartBoardFwdRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciRestartBoardFwdMsg, m_bciRestartBoardFwdMsg)
 BCI_DEFINE_MESSAGE(BciRestartBoardFwdMsg, m_bciRestartBoardFwdMsg)
-BCI_DEFINE_CODECS(BciRestartBoardFwdMsg, m_bciRestartBoardFwdMsg, kRestartBoardFwd)
+BCI_DEFINE_CODECS(BciRestartBoardFwdMsg, m_bciRestartBoardFwdMsg, restartBoardFwd)
 
 unsigned int BciRestartBoardFwdMsg::getMaxTextBufferSize()
 {

@@ -13,19 +13,20 @@ constexpr Field kTempMeasStartReqRows[] = {
     BCI_HEADER(VornBcTempMeasStartReqS, 96),
     BCI_FIELD(VornBcTempMeasStartReqS, hotSpotMeasurementPeriod, "hotSpotMeasurementPeriod", 117),
 };
-constexpr Fields kTempMeasStartReq = {"bciTempMeasMsg", kTempMeasStartReqRows};
 static_assert(maxTextSize(kTempMeasStartReqRows) == 35 + 4);
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
 static_assert(binarySize(kTempMeasStartReqRows) == 13);
 
 } // namespace
 
+constinit const Fields bci::kTempMeasStartReq = {"bciTempMeasMsg", kTempMeasStartReqRows};
+
 const bci::codec::Shape bci::kTempMeasStartReqShape = {
     "BciTempMeasStartReq", "VornBcTempMeasStartReqS", sizeof(VornBcTempMeasStartReqS), {kTempMeasStartReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciTempMeasStartReq, m_tempMeasStartReq)
 BCI_DEFINE_MESSAGE(BciTempMeasStartReq, m_tempMeasStartReq)
-BCI_DEFINE_CODECS(BciTempMeasStartReq, m_tempMeasStartReq, kTempMeasStartReq)
+BCI_DEFINE_CODECS(BciTempMeasStartReq, m_tempMeasStartReq, tempMeasStartReq)
 
 unsigned int BciTempMeasStartReq::getMaxTextBufferSize()
 {

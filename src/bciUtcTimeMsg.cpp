@@ -13,18 +13,19 @@ constexpr Field kSetUtcTimeReqRows[] = {
     BCI_HEADER(VornBcSetUtcTimeReqS, 96),
     BCI_FIELD(VornBcSetUtcTimeReqS, dateTime, "dateTime", 117),
 };
-constexpr Fields kSetUtcTimeReq = {"bciUtcTimeMsg", kSetUtcTimeReqRows};
 static_assert(maxTextSize(kSetUtcTimeReqRows) == 35 + 11);
 static_assert(binarySize(kSetUtcTimeReqRows) == sizeof(VornBcSetUtcTimeReqS));
 
 } // namespace
+
+constinit const Fields bci::kSetUtcTimeReq = {"bciUtcTimeMsg", kSetUtcTimeReqRows};
 
 const bci::codec::Shape bci::kSetUtcTimeReqShape = {
     "BciSetUtcTimeReq", "VornBcSetUtcTimeReqS", sizeof(VornBcSetUtcTimeReqS), {kSetUtcTimeReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciSetUtcTimeReq, m_setUtcTimeReq)
 BCI_DEFINE_MESSAGE(BciSetUtcTimeReq, m_setUtcTimeReq)
-BCI_DEFINE_CODECS(BciSetUtcTimeReq, m_setUtcTimeReq, kSetUtcTimeReq)
+BCI_DEFINE_CODECS(BciSetUtcTimeReq, m_setUtcTimeReq, setUtcTimeReq)
 
 unsigned int BciSetUtcTimeReq::getMaxTextBufferSize()
 {

@@ -13,7 +13,6 @@ constexpr Field kSetVisualIndicationReqRows[] = {
     BCI_HEADER(VornBcSetVisualIndicationReqS, 96),
     BCI_FIELD(VornBcSetVisualIndicationReqS, visualizedState, "visualizedState", 117),
 };
-constexpr Fields kSetVisualIndicationReq = {"bciVisualIndicationMsg", kSetVisualIndicationReqRows};
 static_assert(maxTextSize(kSetVisualIndicationReqRows) == 35 + 6);
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
 static_assert(binarySize(kSetVisualIndicationReqRows) == 14);
@@ -25,11 +24,12 @@ constexpr Field kGetVisualIndicationCfmRows[] = {
     BCI_FIELD(VornBcGetVisualIndicationCfmS, ledInfo.visualStateYellowLed, "visualStateYellowLed", 258),
     BCI_FIELD(VornBcGetVisualIndicationCfmS, ledInfo.visualStateBlueLed, "visualStateBlueLed", 265),
 };
-constexpr Fields kGetVisualIndicationCfm = {"bciVisualIndicationMsg", kGetVisualIndicationCfmRows};
 static_assert(maxTextSize(kGetVisualIndicationCfmRows) == 35 + 24);
 static_assert(binarySize(kGetVisualIndicationCfmRows) == sizeof(VornBcGetVisualIndicationCfmS));
 
 } // namespace
+
+constinit const Fields bci::kSetVisualIndicationReq = {"bciVisualIndicationMsg", kSetVisualIndicationReqRows};
 
 const bci::codec::Shape bci::kSetVisualIndicationReqShape = {"BciSetVisualIndicationReq",
                                                              "VornBcSetVisualIndicationReqS",
@@ -38,12 +38,14 @@ const bci::codec::Shape bci::kSetVisualIndicationReqShape = {"BciSetVisualIndica
 
 BCI_DEFINE_CONSTRUCTOR(BciSetVisualIndicationReq, m_setVisualIndicationReq)
 BCI_DEFINE_MESSAGE(BciSetVisualIndicationReq, m_setVisualIndicationReq)
-BCI_DEFINE_CODECS(BciSetVisualIndicationReq, m_setVisualIndicationReq, kSetVisualIndicationReq)
+BCI_DEFINE_CODECS(BciSetVisualIndicationReq, m_setVisualIndicationReq, setVisualIndicationReq)
 
 unsigned int BciSetVisualIndicationReq::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 6;
 }
+
+constinit const Fields bci::kGetVisualIndicationCfm = {"bciVisualIndicationMsg", kGetVisualIndicationCfmRows};
 
 const bci::codec::Shape bci::kGetVisualIndicationCfmShape = {"BciGetVisualIndicationCfm",
                                                              "VornBcGetVisualIndicationCfmS",
@@ -52,7 +54,7 @@ const bci::codec::Shape bci::kGetVisualIndicationCfmShape = {"BciGetVisualIndica
 
 BCI_DEFINE_CONSTRUCTOR(BciGetVisualIndicationCfm, m_getVisualIndicationCfm)
 BCI_DEFINE_MESSAGE(BciGetVisualIndicationCfm, m_getVisualIndicationCfm)
-BCI_DEFINE_CODECS(BciGetVisualIndicationCfm, m_getVisualIndicationCfm, kGetVisualIndicationCfm)
+BCI_DEFINE_CODECS(BciGetVisualIndicationCfm, m_getVisualIndicationCfm, getVisualIndicationCfm)
 
 unsigned int BciGetVisualIndicationCfm::getMaxTextBufferSize()
 {

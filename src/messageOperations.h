@@ -2,7 +2,7 @@
 #ifndef BCI_MESSAGE_OPERATIONS_H
 #define BCI_MESSAGE_OPERATIONS_H
 
-#include "codec/codec.h"
+#include "tables.h"
 
 #include <new>
 
@@ -47,37 +47,37 @@
 #define BCI_DEFINE_CONSTRUCTOR(Class, member)                                                                     \
     Class::Class(SIGSELECT sigNo) : BciMessageBase(reinterpret_cast<char*>(&(member)), sizeof(member), sigNo) {}
 
-// Codec operations of a class whose rows say everything.
-#define BCI_DEFINE_WRITERS(Class, member, fields)                                                                 \
+// Codec operations of a class whose rows say everything: its Table, without the enumeration's name.
+#define BCI_DEFINE_WRITERS(Class, member, table)                                                                  \
     bool Class::serializeBciMsgToText(commonStream::ostream_text& stream) const                                   \
     {                                                                                                             \
-        return bci::codec::writeText(fields, &(member), stream);                                                  \
+        return bci::writeText(bci::Table::table, &(member), stream);                                              \
     }                                                                                                             \
     bool Class::serializeBciMsgToBinary(commonStream::ostream_binary& stream) const                               \
     {                                                                                                             \
-        return bci::codec::writeBinary(fields, &(member), stream);                                                \
+        return bci::writeBinary(bci::Table::table, &(member), stream);                                            \
     }                                                                                                             \
     bool Class::serializeBciMsgToXml(commonStream::ostream_text& stream) const                                    \
     {                                                                                                             \
-        return bci::codec::writeXml(fields, &(member), stream);                                                   \
+        return bci::writeXml(bci::Table::table, &(member), stream);                                               \
     }
 
-#define BCI_DEFINE_READERS(Class, member, fields)                                                                 \
+#define BCI_DEFINE_READERS(Class, member, table)                                                                  \
     bool Class::deserializeBciMsgFromText(commonStream::istream_text& stream)                                     \
     {                                                                                                             \
-        return bci::codec::readText(fields, &(member), stream);                                                   \
+        return bci::readText(bci::Table::table, &(member), stream);                                               \
     }                                                                                                             \
     bool Class::deserializeBciMsgFromBinary(commonStream::istream_binary& stream)                                 \
     {                                                                                                             \
-        return bci::codec::readBinary(fields, &(member), stream);                                                 \
+        return bci::readBinary(bci::Table::table, &(member), stream);                                             \
     }                                                                                                             \
     bool Class::deserializeBciMsgFromXml(commonStream::istream_text& stream)                                      \
     {                                                                                                             \
-        return bci::codec::readXml(fields, &(member), stream);                                                    \
+        return bci::readXml(bci::Table::table, &(member), stream);                                                \
     }
 
-#define BCI_DEFINE_CODECS(Class, member, fields)                                                                  \
-    BCI_DEFINE_WRITERS(Class, member, fields)                                                                     \
-    BCI_DEFINE_READERS(Class, member, fields)
+#define BCI_DEFINE_CODECS(Class, member, table)                                                                   \
+    BCI_DEFINE_WRITERS(Class, member, table)                                                                      \
+    BCI_DEFINE_READERS(Class, member, table)
 
 #endif
