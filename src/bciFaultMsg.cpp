@@ -36,7 +36,7 @@ struct Layout
 {
     Fields counted;
     Fields padding;
-    Field word;       // counts its offset from the word itself
+    Fields word;      // its offset counts from the word itself
     U16 words;        // where the words begin, in bytes
     U16 reach;        // words from there to the end of the structure
     bool ownWordLine; // the log line of a missing word has a wording of its own
@@ -61,10 +61,11 @@ constexpr Field kIndicationRows[] = {
     BCI_FIELD(VornBcFaultIndS, faultCase, "faultCase", 326),
 };
 constexpr Fields kIndicationFields = {kSource, kIndicationRows};
+constexpr Field kIndicationWordRow[] = {bci::codec::makeField<U16>(0, "additionalData_", 318)};
 constexpr Layout kIndication = {
     .counted = kIndicationFields.part(0, 8),
     .padding = kIndicationFields.part(8, 1),
-    .word = bci::codec::makeField<U16>(0, "additionalData_", 318),
+    .word = {kSource, kIndicationWordRow},
     .words = offsetof(VornBcFaultIndS, additionalData),
     .reach = reach<VornBcFaultIndS>(),
     .ownWordLine = false,
@@ -80,22 +81,18 @@ constexpr Field kCeaseRows[] = {
     BCI_FIELD(VornBcFaultceaseIndS, faultCase, "faultCase", 568),
 };
 constexpr Fields kCeaseFields = {kSource, kCeaseRows};
+constexpr Field kCeaseWordRow[] = {bci::codec::makeField<U16>(0, "additionalData_", 560)};
 constexpr Layout kCease = {
     .counted = kCeaseFields.part(0, 5),
     .padding = kCeaseFields.part(5, 0),
-    .word = bci::codec::makeField<U16>(0, "additionalData_", 560),
+    .word = {kSource, kCeaseWordRow},
     .words = offsetof(VornBcFaultceaseIndS, additionalData),
     .reach = reach<VornBcFaultceaseIndS>(),
     .ownWordLine = true,
     .faultCase = kCeaseFields.part(5, 1),
 };
 static_assert(binarySize(kCeaseRows) + kMaxWords * sizeof(U16) == 26);
-static_assert(maxTextSize(kCeaseRows) + kMaxWords * (textWidth(kCease.word.kind) + 1) == 35 + 42);
-
-Fields wordOf(const Layout& layout)
-{
-    return {kSource, {&layout.word, 1}};
-}
+static_assert(maxTextSize(kCeaseRows) + kMaxWords * (textWidth(kCeaseWordRow[0].kind) + 1) == 35 + 42);
 
 template <typename Byte>
 Byte* wordAt(const Layout& layout, Byte* message, unsigned int index)
@@ -135,7 +132,7 @@ bool writeTextRest(const Layout& layout, const char* message, ostream_text& stre
     // A length that nothing has checked goes on behind the array.
     for (unsigned int i = 0; i < std::min<unsigned int>(length, layout.reach); ++i)
     {
-        writeText(wordOf(layout), wordAt(layout, message, i), stream);
+        writeText(layout.word, wordAt(layout, message, i), stream);
     }
     return writeText(layout.faultCase, message, stream);
 }
@@ -151,7 +148,7 @@ bool readFaultText(const Layout& layout, char* message, istream_text& stream, un
     readText(layout.padding, message, stream);
     for (unsigned int i = 0; i < length; ++i)
     {
-        readText(wordOf(layout), wordAt(layout, message, i), stream);
+        readText(layout.word, wordAt(layout, message, i), stream);
     }
     return readText(layout.faultCase, message, stream);
 }
@@ -170,7 +167,7 @@ bool writeFaultBinary(const Layout& layout, const char* message, ostream_binary&
     for (unsigned int i = 0; i < kMaxWords; ++i)
     {
         const void* const word = wordAt(layout, message, i);
-        writeBinary(wordOf(layout), i < length ? word : &nothing, stream);
+        writeBinary(layout.word, i < length ? word : &nothing, stream);
     }
     return writeBinary(layout.faultCase, message, stream);
 }
@@ -185,7 +182,7 @@ bool readFaultBinary(const Layout& layout, char* message, istream_binary& stream
     readBinary(layout.padding, message, stream);
     for (unsigned int i = 0; i < kMaxWords; ++i)
     {
-        readBinary(wordOf(layout), wordAt(layout, message, i), stream);
+        readBinary(layout.word, wordAt(layout, message, i), stream);
     }
     return readBinary(layout.faultCase, message, stream);
 }
@@ -202,7 +199,7 @@ bool writeFaultXml(const Layout& layout, const char* message, ostream_text& stre
     for (unsigned int i = 0; i < length; ++i)
     {
         const Subscripts subscripts = {i, 0};
-        writeXml(wordOf(layout), wordAt(layout, message, i), stream, &subscripts);
+        writeXml(layout.word, wordAt(layout, message, i), stream, &subscripts);
     }
     return writeXml(layout.faultCase, message, stream);
 }
@@ -210,7 +207,7 @@ bool writeFaultXml(const Layout& layout, const char* message, ostream_text& stre
 bool readWordXml(const Layout& layout, char* message, Elements& elements, unsigned int index)
 {
     const Subscripts subscripts = {index, 0};
-    const ElementName name(layout.word.tag, &subscripts);
+    const ElementName name(layout.word.rows.front().tag, &subscripts);
     TagContent content;
     if (!elements.find(name.text(), name.size(), content))
     {
@@ -222,7 +219,7 @@ bool readWordXml(const Layout& layout, char* message, Elements& elements, unsign
         }
         else
         {
-            logMissing(wordOf(layout), layout.word, name.text(), elements.document());
+            logMissing(layout.word, layout.word.rows.front(), name.text(), elements.document());
         }
         return false;
     }
@@ -260,7 +257,7 @@ constexpr List words(const Layout& layout)
             .bound = kMaxWords,
             .offset = layout.words,
             .stride = sizeof(U16),
-            .element = {{&layout.word, 1}},
+            .element = {layout.word.rows},
             .wholeInBinary = true,
             .delimiterWhenEmpty = true};
 }

@@ -4,7 +4,7 @@
 #include "messageOperations.h"
 #include "shapes.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <syslog.h>
@@ -65,7 +65,7 @@ static_assert(binarySize(kHwLogSetReqRows) == sizeof(VornBcHwLogSetReqS));
 
 constexpr std::size_t kSetRowsBeforeEntries = 7;
 constexpr Fields kHwLogSetReqFixed = kHwLogSetReq.part(0, kSetRowsBeforeEntries);
-constexpr Field kLogEntries = kHwLogSetReqRows[kSetRowsBeforeEntries];
+constexpr Fields kLogEntries = kHwLogSetReq.part(kSetRowsBeforeEntries, 1);
 constexpr unsigned int kLogSize = sizeof(VornBcHwLogSetReqS::hwLogData);
 constexpr unsigned int kFailBit = 2; // of a stream's status
 
@@ -75,13 +75,15 @@ template <typename Function>
 void forEachEntry(const VornBcHwLogSetReqS& message, Function function)
 {
     const char* const data = reinterpret_cast<const char*>(message.hwLogData);
-    Field entry = kLogEntries;
+    Field entry = kLogEntries.rows.front();
+    Fields entries = kLogEntries; // its sizes are those of the longest entry
+    entries.rows = {&entry, 1};
     unsigned int used = 0;
     for (unsigned int i = 0; i < message.length && used < kLogSize; ++i)
     {
-        entry.offset = static_cast<U16>(kLogEntries.offset + used);
+        entry.offset = static_cast<U16>(offsetof(VornBcHwLogSetReqS, hwLogData) + used);
         entry.size = static_cast<U16>(kLogSize - used);
-        function(Fields{kHwLogSetReq.source, {&entry, 1}}, i);
+        function(entries, i);
         used += static_cast<unsigned int>(strnlen(data + used, kLogSize - used)) + 1;
     }
 }
@@ -259,7 +261,7 @@ bool BciHwLogSetReqMsg::deserializeBciMsgFromXml(istream_text& stream)
         bci::codec::TagContent content;
         if (!elements.find(name, std::strlen(name), content))
         {
-            logMissing(kHwLogSetReq, kLogEntries, name, elements.document());
+            logMissing(kLogEntries, kLogEntries.rows.front(), name, elements.document());
             return false;
         }
         const auto length = static_cast<unsigned int>(content.size());
