@@ -1,5 +1,7 @@
 #include "stream.h"
 
+#include "byteOrder.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -21,27 +23,6 @@ const unsigned int NUM_TEXT_BUFFER_SIZE = 22;
 const bool NULL_TERMINATED_TEXT_OSTREAM = false;
 // One scanned number: up to 31 characters and the terminating zero.
 constexpr unsigned int kNumberTokenSize = 32;
-
-template <typename T>
-void storeBigEndian(char* to, T value)
-{
-    for (unsigned int shift = 8 * sizeof(T); shift != 0; ++to)
-    {
-        shift -= 8;
-        *to = static_cast<char>(value >> shift);
-    }
-}
-
-template <typename T>
-T loadBigEndian(const char* from)
-{
-    std::uint64_t value = 0;
-    for (const char* const end = from + sizeof(T); from != end; ++from)
-    {
-        value = value << 8 | static_cast<unsigned char>(*from);
-    }
-    return static_cast<T>(value);
-}
 
 // Writes the digits backwards, as they fall out, then turns them round into the caller's buffer.
 template <typename T>
@@ -413,7 +394,7 @@ ostream_binary& ostream_binary::write(T value)
         setfail();
         return *this;
     }
-    storeBigEndian(next(), value);
+    bci::storeBigEndian(next(), value);
     advance(sizeof(T));
     return *this;
 }
@@ -521,7 +502,7 @@ istream_binary& istream_binary::read(T& value)
 {
     if (expect(sizeof(Wire)))
     {
-        value = loadBigEndian<Wire>(next());
+        value = bci::loadBigEndian<Wire>(next());
         advance(sizeof(Wire));
     }
     return *this;

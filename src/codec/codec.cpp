@@ -1,10 +1,10 @@
 #include "codec.h"
 
+#include "byteOrder.h"
 #include "decimal.h"
 #include "streamAccess.h"
 #include "tagLookup.h"
 
-#include <bit>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
@@ -60,37 +60,6 @@ unsigned int textLength(const char* text, unsigned int size)
 void put(ostream_text& stream, const char* text)
 {
     stream.put(text, static_cast<unsigned int>(std::strlen(text)));
-}
-
-template <typename T>
-T bigEndian(T number)
-{
-    if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1)
-    {
-        return number;
-    }
-    else if constexpr (sizeof(T) == 2)
-    {
-        return static_cast<T>(__builtin_bswap16(static_cast<U16>(number)));
-    }
-    else
-    {
-        return static_cast<T>(__builtin_bswap32(static_cast<U32>(number)));
-    }
-}
-
-template <typename T>
-void storeBigEndian(char* to, T number)
-{
-    number = bigEndian(number);
-    std::memcpy(to, &number, sizeof number);
-}
-
-template <typename T>
-void loadBigEndian(const char* from, T& number)
-{
-    std::memcpy(&number, from, sizeof number);
-    number = bigEndian(number);
 }
 
 char* copy(char* to, std::string_view text)
@@ -238,18 +207,15 @@ void logMissing(const Fields& fields, const Field& field, const char* name, cons
 bool writeText(const Fields& fields, const void* structure, ostream_text& stream)
 {
     const char* const from = static_cast<const char*>(structure);
-    if (StreamAccess::room(stream) >= fields.longestText && fields.longestText != 0)
+    if (StreamAccess::hasRoom(stream, fields.longestText))
     {
         char* to = StreamAccess::next(stream);
         for (const Field& field : fields.rows)
         {
             visit(
                 field, from, [&](const auto& number) { to = putDecimal(to, number); },
-                [&](const char* text, unsigned int size)
-                {
-                    const unsigned int length = textLength(text, size);
-                    std::memcpy(to, text, length);
-                    to += length;
+                [&](const char* text, unsigned int size) {
+                    to = copy(to, {text, textLength(text, size)});
                 });
             *to++ = kDelimiter;
         }
@@ -288,7 +254,7 @@ bool readText(const Fields& fields, void* structure, istream_text& stream)
 bool writeBinary(const Fields& fields, const void* structure, ostream_binary& stream)
 {
     const char* const from = static_cast<const char*>(structure);
-    if (StreamAccess::room(stream) >= fields.binarySize && fields.binarySize != 0)
+    if (StreamAccess::hasRoom(stream, fields.binarySize))
     {
         const bool atStart = StreamAccess::atStart(stream);
         char* const begin = StreamAccess::next(stream);
@@ -319,7 +285,7 @@ bool writeBinary(const Fields& fields, const void* structure, ostream_binary& st
 bool readBinary(const Fields& fields, void* structure, istream_binary& stream)
 {
     char* const to = static_cast<char*>(structure);
-    if (StreamAccess::left(stream) >= fields.binarySize && fields.binarySize != 0)
+    if (fields.binarySize != 0 && StreamAccess::left(stream) >= fields.binarySize)
     {
         const bool atStart = StreamAccess::atStart(stream);
         const char* const begin = StreamAccess::next(stream);
@@ -327,7 +293,8 @@ bool readBinary(const Fields& fields, void* structure, istream_binary& stream)
         for (const Field& field : fields.rows)
         {
             visit(
-                field, to, [&](auto& number) { loadBigEndian(from, number); },
+                field, to,
+                [&](auto& number) { number = loadBigEndian<std::remove_reference_t<decltype(number)>>(from); },
                 [&](char* text, unsigned int size) { std::memcpy(text, from, size); });
             from += field.size;
         }
@@ -352,7 +319,7 @@ bool writeXml(const Fields& fields, const void* structure, ostream_text& stream,
     const char* const from = static_cast<const char*>(structure);
     // An index stands in both tags.
     const std::size_t indexes = subscripts != nullptr ? fields.rows.size() * 2 * kLongestSubscripts : 0;
-    if (StreamAccess::room(stream) >= fields.longestXml + indexes && fields.longestXml != 0)
+    if (StreamAccess::hasRoom(stream, fields.longestXml + indexes))
     {
         char* to = StreamAccess::next(stream);
         for (const Field& field : fields.rows)

@@ -5,16 +5,18 @@
 #include "stream.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace bci::codec
 {
 
 struct StreamAccess
 {
-    static unsigned int room(const commonStream::ostreambase& stream)
+    // Whether so much fits. Nothing never does: the streams are left alone then.
+    static bool hasRoom(const commonStream::ostreambase& stream, std::size_t size)
     {
         const unsigned int position = stream.m_currentWritePosition;
-        return position < stream.m_bufferLength ? stream.m_bufferLength - position : 0;
+        return size != 0 && position < stream.m_bufferLength && stream.m_bufferLength - position >= size;
     }
 
     static bool atStart(const commonStream::ostreambase& stream)
