@@ -180,6 +180,10 @@ protected:
 
     char* m_bciMessagePtr;           ///< the wire structure
     unsigned short m_bciMessageSize; ///< its size in bytes
+    /// Not 0 if the operations write through their stream alone, and none looks at what the buffer holds. Then the
+    /// entry points clear only what stays unwritten, and not the whole buffer beforehand. 0, unless a derived
+    /// class says otherwise.
+    unsigned short m_writesThroughStream;
 };
 
 /// Makes the indexed element name of an array field out of its base name: inserts one text and then a

@@ -7,6 +7,9 @@
 #include "scalarTypes.h"
 #include "vornNodeCommon.h"
 
+#include <cstddef>
+#include <new>
+
 /// What every message offers, whatever interface it belongs to. Abstract; holds no data.
 ///
 /// The library is built without run-time type information: a class derived from this one is compiled with
@@ -27,6 +30,15 @@ public:
     MessageBase(char* msg, unsigned short size, unsigned long sigNo);
     /// Frees nothing.
     virtual ~MessageBase();
+    /// @name Memory of messages
+    /// It comes from the global operators of the same form and goes back there. Here, so that not every class has
+    /// calls of the C++ library of its own.
+    /// @{
+    static void* operator new(std::size_t size);
+    static void* operator new(std::size_t size, const std::nothrow_t& noThrow) noexcept;
+    static void* operator new(std::size_t size, void* memory) noexcept;
+    static void operator delete(void* memory) noexcept;
+    /// @}
     MessageBase(const MessageBase&) = delete;
     MessageBase& operator=(const MessageBase&) = delete;
 

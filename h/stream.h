@@ -239,9 +239,7 @@ public:
     ostream_binary& put(const char* valuePtr, unsigned int count);
 
 private:
-    template <typename T>
-    ostream_binary& write(T value);
-    ostream_binary& writeFirstWord(unsigned int value);
+    ostream_binary& write(const void* bytes, unsigned int count);
 };
 
 /// Reads what ostream_binary writes.
@@ -281,11 +279,7 @@ public:
     istream_binary& get(char* valuePtr, unsigned int count, char delim);
 
 private:
-    template <typename Wire, typename T>
-    istream_binary& read(T& value);
-    template <typename T>
-    istream_binary& readFirstWord(T& value);
-    bool expect(unsigned int count);
+    bool read(void* bytes, unsigned int count);
 };
 
 /// Writes numbers as decimal digits and texts as their characters. Nothing is escaped, padded,
@@ -413,12 +407,8 @@ protected:
 
 private:
     bool scanNumber(char* buffer);
-    template <typename T>
-    istream_text& readSigned(T& value, long maximum);
-    template <typename T>
-    istream_text& readUnsigned(T& value, unsigned long maximum);
-    template <typename T>
-    istream_text& readUnsignedInPlace(T& value);
+    bool scanSigned(long& value, long maximum);
+    bool scanUnsigned(unsigned long& value, unsigned long maximum);
 };
 
 } // namespace commonStream

@@ -23,14 +23,14 @@ static_assert(binarySize(kAuditCfmRows) == 14);
 
 } // namespace
 
-constinit const Fields bci::kAuditCfm = {"bciAuditMsg", kAuditCfmRows};
+constexpr Fields bci::kAuditCfm = {"bciAuditMsg", kAuditCfmRows};
 
 const bci::codec::Shape bci::kAuditCfmShape = {
     "BciAuditCfm", "VornBcAuditCfmS", sizeof(VornBcAuditCfmS), {kAuditCfmRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciAuditCfm, m_auditCfm)
 BCI_DEFINE_MESSAGE(BciAuditCfm, m_auditCfm)
-BCI_DEFINE_CODECS(BciAuditCfm, m_auditCfm, auditCfm)
+BCI_DEFINE_CODECS(BciAuditCfm, m_auditCfm, kAuditCfm)
 
 unsigned int BciAuditCfm::getMaxTextBufferSize()
 {

@@ -1,5 +1,6 @@
 #include "bciCapabilityMsg.h"
 
+#include "checkLog.h"
 #include "messageOperations.h"
 #include "shapes.h"
 
@@ -9,6 +10,8 @@
 #include <cstring>
 #include <syslog.h>
 
+using bci::codec::BinaryReader;
+using bci::codec::BinaryWriter;
 using bci::codec::Case;
 using bci::codec::Choice;
 using bci::codec::Elements;
@@ -16,7 +19,10 @@ using bci::codec::Field;
 using bci::codec::Fields;
 using bci::codec::List;
 using bci::codec::Part;
+using bci::codec::rows;
 using bci::codec::Subscripts;
+using bci::codec::TextReader;
+using bci::codec::TextWriter;
 using commonStream::istream_binary;
 using commonStream::istream_text;
 using commonStream::ostream_binary;
@@ -101,20 +107,11 @@ struct Support
     const char* tooMany = nullptr;     // log line of the XML writer for a count above that
     const char* readTooMany = nullptr; // the same of the XML reader, where it checks
 
-    constexpr unsigned int list() const // where it begins in the union, in bytes
-    {
-        return binarySize(counted.rows) + binarySize(between.rows);
-    }
-
-    constexpr unsigned int stride() const
-    {
-        return binarySize(element.rows);
-    }
-
-    constexpr unsigned int tail() const
-    {
-        return static_cast<unsigned int>(sizeof(VornBcCapabilityUnionU)) - list() - bound * stride();
-    }
+    // In bytes from the union's begin: the count and the list; and the list's measures.
+    U16 countAt = counted.rows.empty() ? U16{0} : counted.rows.back().offset;
+    U16 list = static_cast<U16>(counted.binarySize + between.binarySize);
+    U16 stride = element.binarySize;
+    U16 tail = static_cast<U16>(sizeof(VornBcCapabilityUnionU) - list - bound * stride); // what is left behind it
 };
 
 constexpr Fields table(std::span<const Field> rows)
@@ -146,11 +143,75 @@ constexpr Support kSupports[] = {
 };
 constexpr S16 kWithoutContent = 3;
 
-static_assert(kSupports[0].tail() == 72 && kSupports[1].tail() == 84 && kSupports[2].tail() == 64);
-static_assert(kSupports[3].tail() == 0 && kSupports[4].tail() == 0);
-static_assert(kSupports[2].stride() == sizeof(VornBcEthTermHostParamsS) &&
-              kSupports[3].stride() == sizeof(VornBcEthLinkParamS) &&
-              kSupports[4].stride() == sizeof(VornBcHotspotParamListS));
+static_assert(kSupports[0].tail == 72 && kSupports[1].tail == 84 && kSupports[2].tail == 64);
+static_assert(kSupports[3].tail == 0 && kSupports[4].tail == 0);
+static_assert(kSupports[2].stride == sizeof(VornBcEthTermHostParamsS) &&
+              kSupports[3].stride == sizeof(VornBcEthLinkParamS) &&
+              kSupports[4].stride == sizeof(VornBcHotspotParamListS));
+
+// One of them as a constant, to be used like it.
+template <std::size_t index>
+struct ConstantSupport
+{
+    static constexpr const Support& kSupport = kSupports[index];
+    static constexpr Fields kCounted = kSupport.counted;
+    static constexpr Fields kBetween = kSupport.between;
+    static constexpr Fields kElement = kSupport.element;
+
+    static constexpr S16 identity = kSupport.identity;
+    static constexpr U16 bound = kSupport.bound;
+    static constexpr auto counted = rows<kCounted>;
+    static constexpr auto between = rows<kBetween>;
+    static constexpr auto element = rows<kElement>;
+    static constexpr const char* tooMany = kSupport.tooMany;
+    static constexpr const char* readTooMany = kSupport.readTooMany;
+    static constexpr U16 countAt = kSupport.countAt;
+    static constexpr U16 list = kSupport.list;
+    static constexpr U16 stride = kSupport.stride;
+    static constexpr U16 tail = kSupport.tail;
+};
+
+#if !BCI_OPTIMIZE_SPEED
+// Null for no identity.
+[[gnu::noinline]] const Support* supportOf(S16 identity)
+{
+    for (const Support& support : kSupports)
+    {
+        if (support.identity == identity)
+        {
+            return &support;
+        }
+    }
+    return nullptr;
+}
+#endif
+
+// Calls one of two functions: `known` with the support of an identity, or `unknown` if there is none. Returns what
+// that returns.
+template <typename Known, typename Unknown>
+bool withSupport(S16 identity, Known known, Unknown unknown)
+{
+#if BCI_OPTIMIZE_SPEED
+    switch (identity)
+    {
+    case kSupports[0].identity:
+        return known(ConstantSupport<0>());
+    case kSupports[1].identity:
+        return known(ConstantSupport<1>());
+    case kSupports[2].identity:
+        return known(ConstantSupport<2>());
+    case kSupports[3].identity:
+        return known(ConstantSupport<3>());
+    case kSupports[4].identity:
+        return known(ConstantSupport<4>());
+    default:
+        return unknown();
+    }
+#else
+    const Support* const support = supportOf(identity);
+    return support != nullptr ? known(*support) : unknown();
+#endif
+}
 
 // What binary has in the place of list elements that are not there.
 alignas(U32) constexpr char kNothing[8] = {};
@@ -172,11 +233,6 @@ public:
         return m_begin + offsetof(VornBcBoardCapabilityS, capability);
     }
 
-    Byte* element(const Support& support, unsigned int index) const
-    {
-        return content() + support.list() + index * support.stride();
-    }
-
     S16 identity() const
     {
         S16 identity;
@@ -184,28 +240,21 @@ public:
         return identity;
     }
 
-    // Null if the identity is none.
-    const Support* support() const
-    {
-        const auto* const end = std::end(kSupports);
-        const auto* const found = std::find_if(
-            std::begin(kSupports), end, [this](const Support& support) { return support.identity == identity(); });
-        return found != end ? found : nullptr;
-    }
-
     // What the list's count says.
-    unsigned int count(const Support& support) const
+    template <typename S>
+    unsigned int count(const S& support) const
     {
         U16 count = 0;
         if (support.bound != 0)
         {
-            std::memcpy(&count, content() + support.counted.rows.back().offset, sizeof count);
+            std::memcpy(&count, content() + support.countAt, sizeof count);
         }
         return count;
     }
 
     // How many elements there are.
-    unsigned int elements(const Support& support) const
+    template <typename S>
+    unsigned int elements(const S& support) const
     {
         return std::min<unsigned int>(count(support), support.bound);
     }
@@ -225,13 +274,37 @@ bool exceeds(const char* line, unsigned int count, unsigned int bound)
     return true;
 }
 
+// Logs an identity that is none. Returns false.
+bool isInvalid(int priority, unsigned int line, S16 identity)
+{
+    return bci::reject(priority, kSource, line, "The boardCapabilityIdentiy %d is invalid",
+                       static_cast<unsigned int>(identity));
+}
+
+void putZerosExactly(ostream_binary& stream, unsigned int count)
+{
+    for (; count != 0; --count)
+    {
+        stream << U8{0};
+    }
+}
+
+void skipExactly(istream_binary& stream, unsigned int count)
+{
+    U8 nothing;
+    for (; count != 0; --count)
+    {
+        stream >> nothing;
+    }
+}
+
 // For tools.
 constexpr List list(const Support& support)
 {
     return {.count = &support.counted.rows.back(),
             .bound = support.bound,
-            .offset = static_cast<U16>(support.list()),
-            .stride = static_cast<U16>(support.stride()),
+            .offset = support.list,
+            .stride = support.stride,
             .element = {support.element.rows},
             .wholeInBinary = true,
             .delimiterWhenEmpty = false};
@@ -273,6 +346,7 @@ BciCapabilityCfmMsg::BciCapabilityCfmMsg(SIGSELECT sigNo)
       m_bciCapabilityCfmMsg(static_cast<VornBcGetCapabilitiesCfmS*>(std::malloc(kSize)))
 {
     m_bciMessagePtr = reinterpret_cast<char*>(m_bciCapabilityCfmMsg);
+    BCI_WRITES_THROUGH_STREAM;
 }
 
 BciCapabilityCfmMsg::~BciCapabilityCfmMsg()
@@ -299,34 +373,33 @@ unsigned int BciCapabilityCfmMsg::getMaxTextBufferSize()
 
 bool BciCapabilityCfmMsg::serializeBciMsgToText(ostream_text& stream) const
 {
-    writeText(kConfirm, m_bciMessagePtr, stream);
+    TextWriter out(stream);
+    writeText(rows<kConfirm>, m_bciMessagePtr, out);
     const unsigned int capabilities = m_bciCapabilityCfmMsg->numberOfBoardCapabilities;
     if (capabilities > kMaxCapabilities)
     {
-        syslog(LOG_ERR, "[src/bciCapabilityMsg:55] numBoardCapabilities %d > %d", static_cast<int>(capabilities),
-               static_cast<int>(kMaxCapabilities));
-        return false;
+        return bci::reject(LOG_ERR, kSource, 55, "numBoardCapabilities %d > %d", capabilities, kMaxCapabilities);
     }
     if (capabilities == 0)
     {
-        stream << getDelim(); // an empty list ends in one delimiter more; the reader leaves it unread
+        // An empty list ends in one delimiter more; the reader leaves it unread.
+        out.through([this](ostream_text& at) { at << getDelim(); });
     }
     for (unsigned int i = 0; i < capabilities; ++i)
     {
         const Capability<const char> capability(m_bciMessagePtr, i);
-        writeText(kCapability, capability.begin(), stream);
-        const Support* const support = capability.support();
-        if (support == nullptr)
+        writeText(rows<kCapability>, capability.begin(), out);
+        const auto known = [&](const auto& support)
         {
-            syslog(LOG_ERR, "[src/bciCapabilityMsg:152] The boardCapabilityIdentiy %d is invalid",
-                   capability.identity());
+            writeText(support.counted, capability.content(), out);
+            writeText(support.between, capability.content(), out);
+            writeText(support.element, capability.content() + support.list, out, capability.elements(support));
+            return true;
+        };
+        if (!withSupport(capability.identity(), known,
+                         [&] { return isInvalid(LOG_ERR, 152, capability.identity()); }))
+        {
             return false;
-        }
-        writeText(support->counted, capability.content(), stream);
-        writeText(support->between, capability.content(), stream);
-        for (unsigned int j = 0; j < capability.elements(*support); ++j)
-        {
-            writeText(support->element, capability.element(*support, j), stream);
         }
     }
     return !stream.fail();
@@ -335,35 +408,38 @@ bool BciCapabilityCfmMsg::serializeBciMsgToText(ostream_text& stream) const
 // Every capability takes 88 bytes, zeros where there is nothing.
 bool BciCapabilityCfmMsg::serializeBciMsgToBinary(ostream_binary& stream) const
 {
-    writeBinary(kConfirm, m_bciMessagePtr, stream);
+    BinaryWriter out(stream);
+    writeBinary(rows<kConfirm>, m_bciMessagePtr, out);
     const unsigned int capabilities = m_bciCapabilityCfmMsg->numberOfBoardCapabilities;
     if (capabilities > kMaxCapabilities)
     {
-        syslog(LOG_ERR, "[src/bciCapabilityMsg:176] numBoardCapabilities %d > %d", static_cast<int>(capabilities),
-               static_cast<int>(kMaxCapabilities));
-        return false;
+        return bci::reject(LOG_ERR, kSource, 176, "numBoardCapabilities %d > %d", capabilities, kMaxCapabilities);
     }
     for (unsigned int i = 0; i < capabilities; ++i)
     {
         const Capability<const char> capability(m_bciMessagePtr, i);
-        writeBinary(kCapability, capability.begin(), stream);
-        const Support* const support = capability.support();
-        if (support == nullptr)
+        writeBinary(rows<kCapability>, capability.begin(), out);
+        const auto known = [&](const auto& support)
         {
-            syslog(LOG_ERR, "[src/bciCapabilityMsg:325] The boardCapabilityIdentiy %d is invalid",
-                   capability.identity());
+            writeBinary(support.counted, capability.content(), out);
+            writeBinary(support.between, capability.content(), out);
+            const unsigned int elements = capability.elements(support);
+            writeBinary(support.element, capability.content() + support.list, out, elements);
+            const unsigned int absent = support.bound - elements;
+            if (!putZeros(out, absent * support.stride + support.tail))
+            {
+                for (unsigned int j = 0; j < absent; ++j)
+                {
+                    writeBinary(support.element, kNothing, out);
+                }
+                out.through([&support](ostream_binary& at) { putZerosExactly(at, support.tail); });
+            }
+            return true;
+        };
+        if (!withSupport(capability.identity(), known,
+                         [&] { return isInvalid(LOG_ERR, 325, capability.identity()); }))
+        {
             return false;
-        }
-        writeBinary(support->counted, capability.content(), stream);
-        writeBinary(support->between, capability.content(), stream);
-        for (unsigned int j = 0; j < support->bound; ++j)
-        {
-            const bool valid = j < capability.elements(*support);
-            writeBinary(support->element, valid ? capability.element(*support, j) : kNothing, stream);
-        }
-        for (unsigned int left = support->tail(); left != 0; --left)
-        {
-            stream << U8{0};
         }
     }
     return !stream.fail();
@@ -371,35 +447,39 @@ bool BciCapabilityCfmMsg::serializeBciMsgToBinary(ostream_binary& stream) const
 
 bool BciCapabilityCfmMsg::serializeBciMsgToXml(ostream_text& stream) const
 {
-    writeXml(kConfirm, m_bciMessagePtr, stream);
+    TextWriter out(stream);
+    writeXml(rows<kConfirm>, m_bciMessagePtr, out);
     const unsigned int capabilities = m_bciCapabilityCfmMsg->numberOfBoardCapabilities;
     if (capabilities > kMaxCapabilities)
     {
-        syslog(LOG_INFO, "[src/bciCapabilityMsg:359] %d exceed the maximum number of boardCapabilities. ",
-               static_cast<int>(capabilities));
-        return false;
+        return bci::reject(LOG_INFO, kSource, 359, "%d exceed the maximum number of boardCapabilities. ",
+                           capabilities);
     }
     for (unsigned int i = 0; i < capabilities; ++i)
     {
         const Capability<const char> capability(m_bciMessagePtr, i);
-        Subscripts subscripts = {i, 0};
-        writeXml(kCapability, capability.begin(), stream, &subscripts);
-        const Support* const support = capability.support();
-        if (support == nullptr)
+        const Subscripts subscripts = {i, 0};
+        writeXml(rows<kCapability>, capability.begin(), out, &subscripts);
+        const auto known = [&](const auto& support)
         {
-            syslog(LOG_INFO, "[src/bciCapabilityMsg:563] The boardCapabilityIdentity %d (%d) is invalid",
-                   static_cast<int>(i), capability.identity());
+            writeXml(support.counted, capability.content(), out);
+            if (exceeds(support.tooMany, capability.count(support), support.bound))
+            {
+                return false;
+            }
+            writeXml(support.between, capability.content(), out);
+            writeXml(support.element, capability.content() + support.list, out, &subscripts,
+                     capability.elements(support));
+            return true;
+        };
+        const auto unknown = [&]
+        {
+            return bci::reject(LOG_INFO, kSource, 563, "The boardCapabilityIdentity %d (%d) is invalid", i,
+                               static_cast<unsigned int>(capability.identity()));
+        };
+        if (!withSupport(capability.identity(), known, unknown))
+        {
             return false;
-        }
-        writeXml(support->counted, capability.content(), stream);
-        if (exceeds(support->tooMany, capability.count(*support), support->bound))
-        {
-            return false;
-        }
-        writeXml(support->between, capability.content(), stream);
-        for (unsigned int& j = subscripts.second; j < capability.elements(*support); ++j)
-        {
-            writeXml(support->element, capability.element(*support, j), stream, &subscripts);
         }
     }
     return !stream.fail();
@@ -407,31 +487,29 @@ bool BciCapabilityCfmMsg::serializeBciMsgToXml(ostream_text& stream) const
 
 bool BciCapabilityCfmMsg::deserializeBciMsgFromText(istream_text& stream)
 {
-    std::memset(m_bciMessagePtr, 0, kSize);
-    readText(kConfirm, m_bciMessagePtr, stream);
+    TextReader in(stream);
+    std::memset(m_bciMessagePtr, 0, m_bciMessageSize);
+    readText(rows<kConfirm>, m_bciMessagePtr, in);
     const unsigned int capabilities = m_bciCapabilityCfmMsg->numberOfBoardCapabilities;
     if (capabilities > kMaxCapabilities)
     {
-        syslog(LOG_ERR, "[src/bciCapabilityMsg:595] numCapabilities %d > %d", static_cast<int>(capabilities),
-               static_cast<int>(kMaxCapabilities));
-        return false;
+        return bci::reject(LOG_ERR, kSource, 595, "numCapabilities %d > %d", capabilities, kMaxCapabilities);
     }
     for (unsigned int i = 0; i < capabilities; ++i)
     {
         const Capability<char> capability(m_bciMessagePtr, i);
-        readText(kCapability, capability.begin(), stream);
-        const Support* const support = capability.support();
-        if (support == nullptr)
+        readText(rows<kCapability>, capability.begin(), in);
+        const auto known = [&](const auto& support)
         {
-            syslog(LOG_ERR, "[src/bciCapabilityMsg:687] The boardCapabilityIdentiy %d is invalid",
-                   capability.identity());
+            readText(support.counted, capability.content(), in);
+            readText(support.between, capability.content(), in);
+            readText(support.element, capability.content() + support.list, in, capability.elements(support));
+            return true;
+        };
+        if (!withSupport(capability.identity(), known,
+                         [&] { return isInvalid(LOG_ERR, 687, capability.identity()); }))
+        {
             return false;
-        }
-        readText(support->counted, capability.content(), stream);
-        readText(support->between, capability.content(), stream);
-        for (unsigned int j = 0; j < capability.elements(*support); ++j)
-        {
-            readText(support->element, capability.element(*support, j), stream);
         }
     }
     return !stream.fail();
@@ -441,30 +519,29 @@ bool BciCapabilityCfmMsg::deserializeBciMsgFromText(istream_text& stream)
 // left out.
 bool BciCapabilityCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 {
-    std::memset(m_bciMessagePtr, 0, kSize);
-    readBinary(kConfirm, m_bciMessagePtr, stream);
+    BinaryReader in(stream);
+    std::memset(m_bciMessagePtr, 0, m_bciMessageSize);
+    readBinary(rows<kConfirm>, m_bciMessagePtr, in);
     const unsigned int capabilities = m_bciCapabilityCfmMsg->numberOfBoardCapabilities;
     for (unsigned int i = 0; i < std::min(capabilities, kMaxCapabilities); ++i)
     {
         const Capability<char> capability(m_bciMessagePtr, i);
-        readBinary(kCapability, capability.begin(), stream);
-        const Support* const support = capability.support();
-        if (support == nullptr)
+        readBinary(rows<kCapability>, capability.begin(), in);
+        const auto known = [&](const auto& support)
         {
-            syslog(LOG_ERR, "[src/bciCapabilityMsg:837] The boardCapabilityIdentiy %d is invalid",
-                   capability.identity());
+            readBinary(support.counted, capability.content(), in);
+            readBinary(support.between, capability.content(), in);
+            readBinary(support.element, capability.content() + support.list, in, support.bound);
+            if (!skip(in, support.tail))
+            {
+                in.through([&support](istream_binary& at) { skipExactly(at, support.tail); });
+            }
+            return true;
+        };
+        if (!withSupport(capability.identity(), known,
+                         [&] { return isInvalid(LOG_ERR, 837, capability.identity()); }))
+        {
             return false;
-        }
-        readBinary(support->counted, capability.content(), stream);
-        readBinary(support->between, capability.content(), stream);
-        for (unsigned int j = 0; j < support->bound; ++j)
-        {
-            readBinary(support->element, capability.element(*support, j), stream);
-        }
-        U8 nothing;
-        for (unsigned int left = support->tail(); left != 0; --left)
-        {
-            stream >> nothing;
         }
     }
     return !stream.fail();
@@ -473,52 +550,53 @@ bool BciCapabilityCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 bool BciCapabilityCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
 {
     Elements elements(stream);
-    if (!readXml(kConfirmCounted, m_bciMessagePtr, elements))
+    if (!readXml(rows<kConfirmCounted>, m_bciMessagePtr, elements))
     {
         return false;
     }
     const unsigned int capabilities = m_bciCapabilityCfmMsg->numberOfBoardCapabilities;
     if (exceeds("[src/bciCapabilityMsg:886] %d > %d", capabilities, kMaxCapabilities) ||
-        !readXml(kConfirmPadding, m_bciMessagePtr, elements))
+        !readXml(rows<kConfirmPadding>, m_bciMessagePtr, elements))
     {
         return false;
     }
-    const Support* previous = nullptr;
+    S16 previous = 0; // no identity
     for (unsigned int i = 0; i < capabilities; ++i)
     {
         const Capability<char> capability(m_bciMessagePtr, i);
-        Subscripts subscripts = {i, 0};
-        if (!readXml(kCapability, capability.begin(), elements, &subscripts))
+        const Subscripts subscripts = {i, 0};
+        if (!readXml(rows<kCapability>, capability.begin(), elements, &subscripts))
         {
             return false;
         }
-        const Support* const support = capability.support();
-        if (support == nullptr)
-        {
-            syslog(LOG_INFO, "[src/bciCapabilityMsg:1122] The boardCapabilityIdentity %d (%d) is invalid",
-                   static_cast<int>(i), capability.identity());
-            return false;
-        }
-        if (support->identity == kWithoutContent)
+        const S16 identity = capability.identity();
+        if (identity == kWithoutContent)
         {
             syslog(LOG_INFO, "[src/bciCapabilityMsg:1118] cap %d nothing to do", kWithoutContent);
             continue;
         }
-        elements.repeat(support == previous);
-        previous = support;
-        if (!readXml(support->counted, capability.content(), elements) ||
-            exceeds(support->readTooMany, capability.count(*support), support->bound) ||
-            !readXml(support->between, capability.content(), elements))
+        elements.repeat(identity == previous);
+        previous = identity;
+        const auto known = [&](const auto& support)
         {
-            return false;
-        }
-        elements.repeat(false);
-        for (unsigned int& j = subscripts.second; j < capability.elements(*support); ++j)
-        {
-            if (!readXml(support->element, capability.element(*support, j), elements, &subscripts))
+            if (!readXml(support.counted, capability.content(), elements) ||
+                exceeds(support.readTooMany, capability.count(support), support.bound) ||
+                !readXml(support.between, capability.content(), elements))
             {
                 return false;
             }
+            elements.repeat(false);
+            return readXml(support.element, capability.content() + support.list, elements, &subscripts,
+                           capability.elements(support));
+        };
+        const auto unknown = [&]
+        {
+            return bci::reject(LOG_INFO, kSource, 1122, "The boardCapabilityIdentity %d (%d) is invalid", i,
+                               static_cast<unsigned int>(identity));
+        };
+        if (!withSupport(identity, known, unknown))
+        {
+            return false;
         }
     }
     return true;

@@ -27,27 +27,27 @@ static_assert(binarySize(kGenericRejRows) == sizeof(GenericRejMsgS));
 
 } // namespace
 
-constinit const Fields bci::kGeneric = {"bciCommonMsg", kGenericRows};
+constexpr Fields bci::kGeneric = {"bciCommonMsg", kGenericRows};
 
 const bci::codec::Shape bci::kGenericShape = {"BciGenericMsg", "GenericMsgS", sizeof(GenericMsgS), {kGenericRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciGenericMsg, m_genericMsg)
 BCI_DEFINE_MESSAGE(BciGenericMsg, m_genericMsg)
-BCI_DEFINE_CODECS(BciGenericMsg, m_genericMsg, generic)
+BCI_DEFINE_CODECS(BciGenericMsg, m_genericMsg, kGeneric)
 
 unsigned int BciGenericMsg::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize();
 }
 
-constinit const Fields bci::kGenericRej = {"bciCommonMsg", kGenericRejRows};
+constexpr Fields bci::kGenericRej = {"bciCommonMsg", kGenericRejRows};
 
 const bci::codec::Shape bci::kGenericRejShape = {
     "BciGenericRejMsg", "GenericRejMsgS", sizeof(GenericRejMsgS), {kGenericRejRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciGenericRejMsg, m_genericRejMsg)
 BCI_DEFINE_MESSAGE(BciGenericRejMsg, m_genericRejMsg)
-BCI_DEFINE_CODECS(BciGenericRejMsg, m_genericRejMsg, genericRej)
+BCI_DEFINE_CODECS(BciGenericRejMsg, m_genericRejMsg, kGenericRej)
 
 unsigned int BciGenericRejMsg::getMaxTextBufferSize()
 {

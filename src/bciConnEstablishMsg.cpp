@@ -31,28 +31,28 @@ static_assert(binarySize(kConnEstRejRows) == sizeof(VornBcConnEstablishRejS));
 
 } // namespace
 
-constinit const Fields bci::kConnEstReq = {"bciConnEstablishMsg", kConnEstReqRows};
+constexpr Fields bci::kConnEstReq = {"bciConnEstablishMsg", kConnEstReqRows};
 
 const bci::codec::Shape bci::kConnEstReqShape = {
     "BciConnEstReq", "VornBcConnEstablishReqS", sizeof(VornBcConnEstablishReqS), {kConnEstReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciConnEstReq, m_connEstReq)
 BCI_DEFINE_MESSAGE(BciConnEstReq, m_connEstReq)
-BCI_DEFINE_CODECS(BciConnEstReq, m_connEstReq, connEstReq)
+BCI_DEFINE_CODECS(BciConnEstReq, m_connEstReq, kConnEstReq)
 
 unsigned int BciConnEstReq::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 6;
 }
 
-constinit const Fields bci::kConnEstRej = {"bciConnEstablishMsg", kConnEstRejRows};
+constexpr Fields bci::kConnEstRej = {"bciConnEstablishMsg", kConnEstRejRows};
 
 const bci::codec::Shape bci::kConnEstRejShape = {
     "BciConnEstRej", "VornBcConnEstablishRejS", sizeof(VornBcConnEstablishRejS), {kConnEstRejRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciConnEstRej, m_ConnEstRej)
 BCI_DEFINE_MESSAGE(BciConnEstRej, m_ConnEstRej)
-BCI_DEFINE_CODECS(BciConnEstRej, m_ConnEstRej, connEstRej)
+BCI_DEFINE_CODECS(BciConnEstRej, m_ConnEstRej, kConnEstRej)
 
 unsigned int BciConnEstRej::getMaxTextBufferSize()
 {

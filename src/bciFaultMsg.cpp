@@ -1,15 +1,17 @@
 #include "bciFaultMsg.h"
 
+#include "checkLog.h"
 #include "codec/tagLookup.h"
 #include "messageOperations.h"
 #include "shapes.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <cstring>
 #include <syslog.h>
 
+using bci::codec::BinaryReader;
+using bci::codec::BinaryWriter;
 using bci::codec::ElementName;
 using bci::codec::Elements;
 using bci::codec::Field;
@@ -19,6 +21,8 @@ using bci::codec::Oddity;
 using bci::codec::Part;
 using bci::codec::Subscripts;
 using bci::codec::TagContent;
+using bci::codec::TextReader;
+using bci::codec::TextWriter;
 using commonStream::istream_binary;
 using commonStream::istream_text;
 using commonStream::ostream_binary;
@@ -94,10 +98,16 @@ constexpr Layout kCease = {
 static_assert(binarySize(kCeaseRows) + kMaxWords * sizeof(U16) == 26);
 static_assert(maxTextSize(kCeaseRows) + kMaxWords * (textWidth(kCeaseWordRow[0].kind) + 1) == 35 + 42);
 
-template <typename Byte>
-Byte* wordAt(const Layout& layout, Byte* message, unsigned int index)
+// The two of them by number: on the target, an address would cost each operation ten instructions more.
+enum class Fault : U8
 {
-    return message + layout.words + index * sizeof(U16);
+    indication,
+    cease
+};
+
+const Layout& layoutOf(Fault fault)
+{
+    return fault == Fault::indication ? kIndication : kCease;
 }
 
 unsigned int dataLength(const Layout& layout, const char* message)
@@ -110,98 +120,102 @@ unsigned int dataLength(const Layout& layout, const char* message)
 // The check that every operation but one makes, each with its own line.
 bool isTooLong(unsigned int length, int priority, unsigned int line)
 {
-    if (length <= kMaxWords)
+    return length > kMaxWords &&
+           !bci::reject(priority, kSource, line, "additionalDataLength %d > %d", length, kMaxWords);
+}
+
+constexpr unsigned int kUnchecked = 0;
+
+// Without words there is one delimiter more, which no reader expects: it stops there, and the fault case
+// keeps its value. A length that is not checked goes on behind the array.
+bool writeFaultText(Fault fault, const char* message, ostream_text& stream, unsigned int line)
+{
+    const Layout& layout = layoutOf(fault);
+    TextWriter out(stream);
+    writeText(layout.counted, message, out);
+    const unsigned int length = dataLength(layout, message);
+    if (line != kUnchecked && isTooLong(length, LOG_ERR, line))
     {
         return false;
     }
-    char format[64];
-    std::snprintf(format, sizeof format, "[src/%s:%u] additionalDataLength %%d > %%d", kSource, line);
-    syslog(priority, format, static_cast<int>(length), static_cast<int>(kMaxWords));
-    return true;
-}
-
-// Without words there is one delimiter more, which no reader expects: it stops there, and the fault case
-// keeps its value.
-bool writeTextRest(const Layout& layout, const char* message, ostream_text& stream)
-{
-    const unsigned int length = dataLength(layout, message);
+    writeText(layout.padding, message, out);
     if (length == 0)
     {
-        stream << MessageBase::DELIM;
+        out.through([](ostream_text& at) { at << MessageBase::DELIM; });
     }
-    // A length that nothing has checked goes on behind the array.
-    for (unsigned int i = 0; i < std::min<unsigned int>(length, layout.reach); ++i)
-    {
-        writeText(layout.word, wordAt(layout, message, i), stream);
-    }
-    return writeText(layout.faultCase, message, stream);
+    writeText(layout.word, message + layout.words, out, std::min<unsigned int>(length, layout.reach));
+    writeText(layout.faultCase, message, out);
+    return !stream.fail();
 }
 
-bool readFaultText(const Layout& layout, char* message, istream_text& stream, unsigned int line)
+bool readFaultText(Fault fault, char* message, istream_text& stream, unsigned int line)
 {
-    readText(layout.counted, message, stream);
+    const Layout& layout = layoutOf(fault);
+    TextReader in(stream);
+    readText(layout.counted, message, in);
     const unsigned int length = dataLength(layout, message);
     if (isTooLong(length, LOG_ERR, line))
     {
         return false;
     }
-    readText(layout.padding, message, stream);
-    for (unsigned int i = 0; i < length; ++i)
-    {
-        readText(layout.word, wordAt(layout, message, i), stream);
-    }
-    return readText(layout.faultCase, message, stream);
+    readText(layout.padding, message, in);
+    readText(layout.word, message + layout.words, in, length);
+    readText(layout.faultCase, message, in);
+    return !stream.fail();
 }
 
 // The form always carries four words, zeros from the length on.
-bool writeFaultBinary(const Layout& layout, const char* message, ostream_binary& stream, unsigned int line)
+bool writeFaultBinary(Fault fault, const char* message, ostream_binary& stream, unsigned int line)
 {
-    writeBinary(layout.counted, message, stream);
+    const Layout& layout = layoutOf(fault);
+    BinaryWriter out(stream);
+    writeBinary(layout.counted, message, out);
     const unsigned int length = dataLength(layout, message);
     if (isTooLong(length, LOG_ERR, line))
     {
         return false;
     }
-    writeBinary(layout.padding, message, stream);
-    const U16 nothing = 0;
-    for (unsigned int i = 0; i < kMaxWords; ++i)
-    {
-        const void* const word = wordAt(layout, message, i);
-        writeBinary(layout.word, i < length ? word : &nothing, stream);
-    }
-    return writeBinary(layout.faultCase, message, stream);
+    writeBinary(layout.padding, message, out);
+    writeBinary(layout.word, message + layout.words, out, length);
+    constexpr U16 kNothing[kMaxWords] = {};
+    writeBinary(layout.word, kNothing, out, kMaxWords - length);
+    writeBinary(layout.faultCase, message, out);
+    return !stream.fail();
 }
 
-bool readFaultBinary(const Layout& layout, char* message, istream_binary& stream, unsigned int line)
+bool readFaultBinary(Fault fault, char* message, istream_binary& stream, unsigned int line)
 {
-    readBinary(layout.counted, message, stream);
+    const Layout& layout = layoutOf(fault);
+    BinaryReader in(stream);
+    readBinary(layout.counted, message, in);
     if (isTooLong(dataLength(layout, message), LOG_ERR, line))
     {
         return false;
     }
-    readBinary(layout.padding, message, stream);
-    for (unsigned int i = 0; i < kMaxWords; ++i)
-    {
-        readBinary(layout.word, wordAt(layout, message, i), stream);
-    }
-    return readBinary(layout.faultCase, message, stream);
+    readBinary(layout.padding, message, in);
+    readBinary(layout.word, message + layout.words, in, kMaxWords);
+    readBinary(layout.faultCase, message, in);
+    return !stream.fail();
 }
 
-bool writeFaultXml(const Layout& layout, const char* message, ostream_text& stream, unsigned int line)
+bool writeFaultXml(Fault fault, const char* message, ostream_text& stream, unsigned int line)
 {
-    writeXml(layout.counted, message, stream);
+    const Layout& layout = layoutOf(fault);
+    TextWriter out(stream);
+    writeXml(layout.counted, message, out);
     const unsigned int length = dataLength(layout, message);
     if (isTooLong(length, LOG_INFO, line))
     {
         return false;
     }
-    writeXml(layout.padding, message, stream);
+    writeXml(layout.padding, message, out);
     for (unsigned int i = 0; i < length; ++i)
     {
         const Subscripts subscripts = {i, 0};
-        writeXml(layout.word, wordAt(layout, message, i), stream, &subscripts);
+        writeXml(layout.word, message + layout.words + i * sizeof(U16), out, &subscripts);
     }
-    return writeXml(layout.faultCase, message, stream);
+    writeXml(layout.faultCase, message, out);
+    return !stream.fail();
 }
 
 bool readWordXml(const Layout& layout, char* message, Elements& elements, unsigned int index)
@@ -224,12 +238,13 @@ bool readWordXml(const Layout& layout, char* message, Elements& elements, unsign
         return false;
     }
     const U16 word = static_cast<U16>(toNumber(content));
-    std::memcpy(wordAt(layout, message, index), &word, sizeof word);
+    std::memcpy(message + layout.words + index * sizeof word, &word, sizeof word);
     return true;
 }
 
-bool readFaultXml(const Layout& layout, char* message, istream_text& stream, unsigned int line)
+bool readFaultXml(Fault fault, char* message, istream_text& stream, unsigned int line)
 {
+    const Layout& layout = layoutOf(fault);
     Elements elements(stream);
     if (!readXml(layout.counted, message, elements))
     {
@@ -285,34 +300,32 @@ unsigned int BciFaultIndication::getMaxTextBufferSize()
 // Alone of the operations of both messages, this one does not check the length.
 bool BciFaultIndication::serializeBciMsgToText(ostream_text& stream) const
 {
-    writeText(kIndication.counted, m_bciMessagePtr, stream);
-    writeText(kIndication.padding, m_bciMessagePtr, stream);
-    return writeTextRest(kIndication, m_bciMessagePtr, stream);
+    return writeFaultText(Fault::indication, m_bciMessagePtr, stream, kUnchecked);
 }
 
 bool BciFaultIndication::serializeBciMsgToBinary(ostream_binary& stream) const
 {
-    return writeFaultBinary(kIndication, m_bciMessagePtr, stream, 81);
+    return writeFaultBinary(Fault::indication, m_bciMessagePtr, stream, 81);
 }
 
 bool BciFaultIndication::serializeBciMsgToXml(ostream_text& stream) const
 {
-    return writeFaultXml(kIndication, m_bciMessagePtr, stream, 139);
+    return writeFaultXml(Fault::indication, m_bciMessagePtr, stream, 139);
 }
 
 bool BciFaultIndication::deserializeBciMsgFromText(istream_text& stream)
 {
-    return readFaultText(kIndication, m_bciMessagePtr, stream, 189);
+    return readFaultText(Fault::indication, m_bciMessagePtr, stream, 189);
 }
 
 bool BciFaultIndication::deserializeBciMsgFromBinary(istream_binary& stream)
 {
-    return readFaultBinary(kIndication, m_bciMessagePtr, stream, 220);
+    return readFaultBinary(Fault::indication, m_bciMessagePtr, stream, 220);
 }
 
 bool BciFaultIndication::deserializeBciMsgFromXml(istream_text& stream)
 {
-    return readFaultXml(kIndication, m_bciMessagePtr, stream, 300);
+    return readFaultXml(Fault::indication, m_bciMessagePtr, stream, 300);
 }
 
 const bci::codec::Shape bci::kFaultCeaseIndicationShape = {"BciFaultCeaseIndication",
@@ -330,32 +343,30 @@ unsigned int BciFaultCeaseIndication::getMaxTextBufferSize()
 
 bool BciFaultCeaseIndication::serializeBciMsgToText(ostream_text& stream) const
 {
-    writeText(kCease.counted, m_bciMessagePtr, stream);
-    return !isTooLong(m_faultCeaseIndication.additionalDataLength, LOG_ERR, 350) &&
-           writeTextRest(kCease, m_bciMessagePtr, stream);
+    return writeFaultText(Fault::cease, m_bciMessagePtr, stream, 350);
 }
 
 bool BciFaultCeaseIndication::serializeBciMsgToBinary(ostream_binary& stream) const
 {
-    return writeFaultBinary(kCease, m_bciMessagePtr, stream, 382);
+    return writeFaultBinary(Fault::cease, m_bciMessagePtr, stream, 382);
 }
 
 bool BciFaultCeaseIndication::serializeBciMsgToXml(ostream_text& stream) const
 {
-    return writeFaultXml(kCease, m_bciMessagePtr, stream, 426);
+    return writeFaultXml(Fault::cease, m_bciMessagePtr, stream, 426);
 }
 
 bool BciFaultCeaseIndication::deserializeBciMsgFromText(istream_text& stream)
 {
-    return readFaultText(kCease, m_bciMessagePtr, stream, 467);
+    return readFaultText(Fault::cease, m_bciMessagePtr, stream, 467);
 }
 
 bool BciFaultCeaseIndication::deserializeBciMsgFromBinary(istream_binary& stream)
 {
-    return readFaultBinary(kCease, m_bciMessagePtr, stream, 492);
+    return readFaultBinary(Fault::cease, m_bciMessagePtr, stream, 492);
 }
 
 bool BciFaultCeaseIndication::deserializeBciMsgFromXml(istream_text& stream)
 {
-    return readFaultXml(kCease, m_bciMessagePtr, stream, 550);
+    return readFaultXml(Fault::cease, m_bciMessagePtr, stream, 550);
 }

@@ -1,5 +1,6 @@
 #include "bciHwMsg.h"
 
+#include "checkLog.h"
 #include "codec/tagLookup.h"
 #include "messageOperations.h"
 #include "shapes.h"
@@ -13,7 +14,9 @@ using bci::codec::Elements;
 using bci::codec::Field;
 using bci::codec::Fields;
 using bci::codec::Oddity;
+using bci::codec::rows;
 using bci::codec::Subscripts;
+using bci::codec::TextWriter;
 using commonStream::istream_binary;
 using commonStream::istream_text;
 using commonStream::ostream_binary;
@@ -21,6 +24,8 @@ using commonStream::ostream_text;
 
 namespace
 {
+
+constexpr const char* kSource = "bciHwMsg";
 
 constexpr Field kGetHwPidCfmRows[] = {
     BCI_HEADER(VornBcGetHwPidCfmS, 268),
@@ -59,7 +64,7 @@ constexpr Field kHwLogSetReqRows[] = {
     BCI_FIELD(VornBcHwLogSetReqS, length, "length", 709),
     BCI_FIELD(VornBcHwLogSetReqS, hwLogData, "hwLogData_", 720),
 };
-constexpr Fields kHwLogSetReq = {"bciHwMsg", kHwLogSetReqRows};
+constexpr Fields kHwLogSetReq = {kSource, kHwLogSetReqRows};
 static_assert(maxTextSize(kHwLogSetReqRows) == 35 + 1780);
 static_assert(binarySize(kHwLogSetReqRows) == sizeof(VornBcHwLogSetReqS));
 
@@ -118,7 +123,7 @@ constexpr Field kHwLogGetCfmRows[] = {
     BCI_FIELD(VornBcHwLogGetCfmS, length, "length", 892),
     BCI_FIELD(VornBcHwLogGetCfmS, hwLogData, "hwLogData_0", 906),
 };
-constexpr Fields kHwLogGetCfm = {"bciHwMsg", kHwLogGetCfmRows};
+constexpr Fields kHwLogGetCfm = {kSource, kHwLogGetCfmRows};
 static_assert(maxTextSize(kHwLogGetCfmRows) == 35 + 1707);
 static_assert(binarySize(kHwLogGetCfmRows) == sizeof(VornBcHwLogGetCfmS));
 constexpr Fields kHwLogGetCfmFixed = kHwLogGetCfm.part(0, 4);
@@ -133,31 +138,31 @@ constexpr bci::codec::Part kHwLogGetCfmFurther[] = {&kHwLogGetCfmLength, kHwLogG
 
 } // namespace
 
-constinit const Fields bci::kGetHwPidCfm = {"bciHwMsg", kGetHwPidCfmRows};
+constexpr Fields bci::kGetHwPidCfm = {kSource, kGetHwPidCfmRows};
 
 const bci::codec::Shape bci::kGetHwPidCfmShape = {
     "BciGetHwPidCfmMsg", "VornBcGetHwPidCfmS", sizeof(VornBcGetHwPidCfmS), {kGetHwPidCfmRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciGetHwPidCfmMsg, m_getHwPidCfm)
 BCI_DEFINE_MESSAGE(BciGetHwPidCfmMsg, m_getHwPidCfm)
-BCI_DEFINE_WRITERS(BciGetHwPidCfmMsg, m_getHwPidCfm, getHwPidCfm)
+BCI_DEFINE_WRITERS(BciGetHwPidCfmMsg, m_getHwPidCfm, kGetHwPidCfm)
 
 bool BciGetHwPidCfmMsg::deserializeBciMsgFromText(istream_text& stream)
 {
-    std::memset(&m_getHwPidCfm, 0, sizeof m_getHwPidCfm);
-    return readText(bci::kGetHwPidCfm, &m_getHwPidCfm, stream);
+    std::memset(&m_getHwPidCfm, 0, m_bciMessageSize);
+    return BCI_CODEC(readText, m_getHwPidCfm, kGetHwPidCfm);
 }
 
 bool BciGetHwPidCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 {
-    std::memset(&m_getHwPidCfm, 0, sizeof m_getHwPidCfm);
-    return readBinary(bci::kGetHwPidCfm, &m_getHwPidCfm, stream);
+    std::memset(&m_getHwPidCfm, 0, m_bciMessageSize);
+    return BCI_CODEC(readBinary, m_getHwPidCfm, kGetHwPidCfm);
 }
 
 // Unlike the others, this reader clears nothing first.
 bool BciGetHwPidCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
 {
-    return readXml(bci::kGetHwPidCfm, &m_getHwPidCfm, stream);
+    return BCI_CODEC(readXml, m_getHwPidCfm, kGetHwPidCfm);
 }
 
 unsigned int BciGetHwPidCfmMsg::getMaxTextBufferSize()
@@ -165,14 +170,14 @@ unsigned int BciGetHwPidCfmMsg::getMaxTextBufferSize()
     return BciMessageBase::getMaxTextBufferSize() + 304;
 }
 
-constinit const Fields bci::kHwLogGetReq = {"bciHwMsg", kHwLogGetReqRows};
+constexpr Fields bci::kHwLogGetReq = {kSource, kHwLogGetReqRows};
 
 const bci::codec::Shape bci::kHwLogGetReqShape = {
     "BciHwLogGetReqMsg", "VornBcHwLogGetReqS", sizeof(VornBcHwLogGetReqS), {kHwLogGetReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciHwLogGetReqMsg, m_hwLogGetReq)
 BCI_DEFINE_MESSAGE(BciHwLogGetReqMsg, m_hwLogGetReq)
-BCI_DEFINE_CODECS(BciHwLogGetReqMsg, m_hwLogGetReq, hwLogGetReq)
+BCI_DEFINE_CODECS(BciHwLogGetReqMsg, m_hwLogGetReq, kHwLogGetReq)
 
 unsigned int BciHwLogGetReqMsg::getMaxTextBufferSize()
 {
@@ -189,32 +194,34 @@ BCI_DEFINE_MESSAGE(BciHwLogSetReqMsg, m_hwLogSetReq)
 
 bool BciHwLogSetReqMsg::serializeBciMsgToText(ostream_text& stream) const
 {
-    writeText(kHwLogSetReqFixed, &m_hwLogSetReq, stream);
+    TextWriter out(stream);
+    writeText(rows<kHwLogSetReqFixed>, &m_hwLogSetReq, out);
     forEachEntry(m_hwLogSetReq,
-                 [&](const Fields& entry, unsigned int /*index*/) { writeText(entry, &m_hwLogSetReq, stream); });
+                 [&](const Fields& entry, unsigned int /*index*/) { writeText(entry, &m_hwLogSetReq, out); });
     return !stream.fail();
 }
 
 bool BciHwLogSetReqMsg::serializeBciMsgToBinary(ostream_binary& stream) const
 {
-    return writeBinary(kHwLogSetReq, &m_hwLogSetReq, stream);
+    return writeBinary(rows<kHwLogSetReq>, &m_hwLogSetReq, stream);
 }
 
 bool BciHwLogSetReqMsg::serializeBciMsgToXml(ostream_text& stream) const
 {
-    writeXml(kHwLogSetReqFixed, &m_hwLogSetReq, stream);
+    TextWriter out(stream);
+    writeXml(rows<kHwLogSetReqFixed>, &m_hwLogSetReq, out);
     forEachEntry(m_hwLogSetReq,
                  [&](const Fields& entry, unsigned int index)
                  {
                      const Subscripts subscripts = {index, 0};
-                     writeXml(entry, &m_hwLogSetReq, stream, &subscripts);
+                     writeXml(entry, &m_hwLogSetReq, out, &subscripts);
                  });
     return !stream.fail();
 }
 
 bool BciHwLogSetReqMsg::deserializeBciMsgFromText(istream_text& stream)
 {
-    readText(kHwLogSetReqFixed, &m_hwLogSetReq, stream);
+    readText(rows<kHwLogSetReqFixed>, &m_hwLogSetReq, stream);
     // Reading leaves it alone once the stream is not good, so the last entry is stored again and again until
     // the array is full.
     char entry[kLogSize + 1] = "";
@@ -243,13 +250,13 @@ bool BciHwLogSetReqMsg::deserializeBciMsgFromText(istream_text& stream)
 
 bool BciHwLogSetReqMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 {
-    return readBinary(kHwLogSetReq, &m_hwLogSetReq, stream);
+    return readBinary(rows<kHwLogSetReq>, &m_hwLogSetReq, stream);
 }
 
 bool BciHwLogSetReqMsg::deserializeBciMsgFromXml(istream_text& stream)
 {
     Elements elements(stream);
-    if (!readXml(kHwLogSetReqFixed, &m_hwLogSetReq, elements))
+    if (!readXml(rows<kHwLogSetReqFixed>, &m_hwLogSetReq, elements))
     {
         return false;
     }
@@ -296,68 +303,60 @@ bool BciHwLogGetCfmMsg::serializeBciMsgToText(ostream_text& stream) const
 {
     if (m_hwLogGetCfm.length >= 2)
     {
-        syslog(LOG_INFO, "[src/bciHwMsg:744] length %u > 1", static_cast<unsigned int>(m_hwLogGetCfm.length));
-        return false;
+        return bci::reject(LOG_INFO, kSource, 744, "length %u > 1", m_hwLogGetCfm.length);
     }
-    return writeText(kHwLogGetCfm, &m_hwLogGetCfm, stream);
+    return writeText(rows<kHwLogGetCfm>, &m_hwLogGetCfm, stream);
 }
 
 // Alone of the six, this one takes any length.
 bool BciHwLogGetCfmMsg::serializeBciMsgToBinary(ostream_binary& stream) const
 {
-    return writeBinary(kHwLogGetCfm, &m_hwLogGetCfm, stream);
+    return writeBinary(rows<kHwLogGetCfm>, &m_hwLogGetCfm, stream);
 }
 
 bool BciHwLogGetCfmMsg::serializeBciMsgToXml(ostream_text& stream) const
 {
     if (m_hwLogGetCfm.length >= 2)
     {
-        syslog(LOG_INFO, "[src/bciHwMsg:780] length %u > 1", static_cast<unsigned int>(m_hwLogGetCfm.length));
-        return false;
+        return bci::reject(LOG_INFO, kSource, 780, "length %u > 1", m_hwLogGetCfm.length);
     }
-    return writeXml(kHwLogGetCfm, &m_hwLogGetCfm, stream);
+    return writeXml(rows<kHwLogGetCfm>, &m_hwLogGetCfm, stream);
 }
 
 // The readers' log lines name the size of the array, though what they test is the length against 1.
 
 bool BciHwLogGetCfmMsg::deserializeBciMsgFromText(istream_text& stream)
 {
-    readText(kHwLogGetCfmFixed, &m_hwLogGetCfm, stream);
+    readText(rows<kHwLogGetCfmFixed>, &m_hwLogGetCfm, stream);
     if (m_hwLogGetCfm.length >= 2)
     {
-        syslog(LOG_INFO, "[src/bciHwMsg:832] length %u > %u", static_cast<unsigned int>(m_hwLogGetCfm.length),
-               kLogSize);
-        return false;
+        return bci::reject(LOG_INFO, kSource, 832, "length %u > %u", m_hwLogGetCfm.length, kLogSize);
     }
-    return readText(kHwLogGetCfmEntry, &m_hwLogGetCfm, stream);
+    return readText(rows<kHwLogGetCfmEntry>, &m_hwLogGetCfm, stream);
 }
 
 bool BciHwLogGetCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 {
-    readBinary(kHwLogGetCfmFixed, &m_hwLogGetCfm, stream);
+    readBinary(rows<kHwLogGetCfmFixed>, &m_hwLogGetCfm, stream);
     if (m_hwLogGetCfm.length >= 2)
     {
-        syslog(LOG_INFO, "[src/bciHwMsg:853] length %u > %u", static_cast<unsigned int>(m_hwLogGetCfm.length),
-               kLogSize);
-        return false;
+        return bci::reject(LOG_INFO, kSource, 853, "length %u > %u", m_hwLogGetCfm.length, kLogSize);
     }
-    return readBinary(kHwLogGetCfmEntry, &m_hwLogGetCfm, stream);
+    return readBinary(rows<kHwLogGetCfmEntry>, &m_hwLogGetCfm, stream);
 }
 
 bool BciHwLogGetCfmMsg::deserializeBciMsgFromXml(istream_text& stream)
 {
     Elements elements(stream);
-    if (!readXml(kHwLogGetCfmFixed, &m_hwLogGetCfm, elements))
+    if (!readXml(rows<kHwLogGetCfmFixed>, &m_hwLogGetCfm, elements))
     {
         return false;
     }
     if (m_hwLogGetCfm.length >= 2)
     {
-        syslog(LOG_INFO, "[src/bciHwMsg:899] length %u > %u", static_cast<unsigned int>(m_hwLogGetCfm.length),
-               kLogSize);
-        return false;
+        return bci::reject(LOG_INFO, kSource, 899, "length %u > %u", m_hwLogGetCfm.length, kLogSize);
     }
-    return readXml(kHwLogGetCfmEntry, &m_hwLogGetCfm, elements);
+    return readXml(rows<kHwLogGetCfmEntry>, &m_hwLogGetCfm, elements);
 }
 
 unsigned int BciHwLogGetCfmMsg::getMaxTextBufferSize()

@@ -25,14 +25,14 @@ static_assert(binarySize(kLoadLmcInitCfmRows) == 14);
 
 } // namespace
 
-constinit const Fields bci::kLoadLmcInitReq = {"bciLoadLmcInitMsg", kLoadLmcInitReqRows};
+constexpr Fields bci::kLoadLmcInitReq = {"bciLoadLmcInitMsg", kLoadLmcInitReqRows};
 
 const bci::codec::Shape bci::kLoadLmcInitReqShape = {
     "BciLoadLmcInitReq", "VornBcLoadLmcInitReqS", sizeof(VornBcLoadLmcInitReqS), {kLoadLmcInitReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcInitReq, m_loadLmcInitReq)
 BCI_DEFINE_MESSAGE(BciLoadLmcInitReq, m_loadLmcInitReq)
-BCI_DEFINE_CODECS(BciLoadLmcInitReq, m_loadLmcInitReq, loadLmcInitReq)
+BCI_DEFINE_CODECS(BciLoadLmcInitReq, m_loadLmcInitReq, kLoadLmcInitReq)
 
 unsigned int BciLoadLmcInitReq::getMaxTextBufferSize()
 {
@@ -40,14 +40,14 @@ unsigned int BciLoadLmcInitReq::getMaxTextBufferSize()
     return (BciMessageBase::getMaxTextBufferSize() & 0xFF) + 180;
 }
 
-constinit const Fields bci::kLoadLmcInitCfm = {"bciLoadLmcInitMsg", kLoadLmcInitCfmRows};
+constexpr Fields bci::kLoadLmcInitCfm = {"bciLoadLmcInitMsg", kLoadLmcInitCfmRows};
 
 const bci::codec::Shape bci::kLoadLmcInitCfmShape = {
     "BciLoadLmcInitCfm", "VornBcLoadLmcInitCfmS", sizeof(VornBcLoadLmcInitCfmS), {kLoadLmcInitCfmRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcInitCfm, m_loadLmcInitCfm)
 BCI_DEFINE_MESSAGE(BciLoadLmcInitCfm, m_loadLmcInitCfm)
-BCI_DEFINE_CODECS(BciLoadLmcInitCfm, m_loadLmcInitCfm, loadLmcInitCfm)
+BCI_DEFINE_CODECS(BciLoadLmcInitCfm, m_loadLmcInitCfm, kLoadLmcInitCfm)
 
 unsigned int BciLoadLmcInitCfm::getMaxTextBufferSize()
 {

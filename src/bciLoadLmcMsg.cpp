@@ -1,18 +1,22 @@
 #include "bciLoadLmcMsg.h"
 
+#include "checkLog.h"
 #include "codec/tagLookup.h"
 #include "messageOperations.h"
 #include "shapes.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <syslog.h>
 
+using bci::codec::BinaryWriter;
 using bci::codec::Field;
 using bci::codec::Fields;
+using bci::codec::Oddity;
+using bci::codec::rows;
+using bci::codec::TextWriter;
 using commonStream::istream_binary;
 using commonStream::istream_text;
 using commonStream::ostream_binary;
@@ -32,7 +36,7 @@ static_assert(binarySize(kLoadLmcReqRows) == sizeof(VornBcLoadLmcReqS));
 constexpr Field kLoadLmcAckRows[] = {
     BCI_HEADER(VornBcLoadLmcAckS, 225),
     // The writer closes this element by the name of another.
-    closedBy(BCI_FIELD(VornBcLoadLmcAckS, lmSeqNr, "lmSeqNr", 246), "loadModule"),
+    BCI_FIELD(VornBcLoadLmcAckS, lmSeqNr, "lmSeqNr\0loadModule", 246, Oddity::foreignClosing),
 };
 static_assert(maxTextSize(kLoadLmcAckRows) == 35 + 6);
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the form does not carry.
@@ -71,14 +75,9 @@ static_assert(kDataSize == 4120);
 // Every operation rejects a block that there is no room for, each with its own line.
 bool isTooLarge(const VornBcLoadLmcDataS& message, unsigned int line)
 {
-    if (message.lmBlockSize <= kMaxBlockSize)
-    {
-        return false;
-    }
-    char format[64];
-    std::snprintf(format, sizeof format, "[src/%s:%u] lmBlockSize %%u > %%u", kLoadLmcData.source, line);
-    syslog(LOG_INFO, format, static_cast<unsigned int>(message.lmBlockSize), kMaxBlockSize);
-    return true;
+    return message.lmBlockSize > kMaxBlockSize &&
+           !bci::reject(LOG_INFO, kLoadLmcData.source, line, "lmBlockSize %u > %u",
+                        static_cast<unsigned int>(message.lmBlockSize), kMaxBlockSize);
 }
 
 // Writes all bytes as they are. put() turns into zeros what stands behind one, so every piece ends with the
@@ -101,56 +100,56 @@ constexpr bci::codec::Part kLoadLmcDataFurther[] = {&kDataBlock};
 
 } // namespace
 
-constinit const Fields bci::kLoadLmcReq = {"bciLoadLmcMsg", kLoadLmcReqRows};
+constexpr Fields bci::kLoadLmcReq = {"bciLoadLmcMsg", kLoadLmcReqRows};
 
 const bci::codec::Shape bci::kLoadLmcReqShape = {
     "BciLoadLmcReq", "VornBcLoadLmcReqS", sizeof(VornBcLoadLmcReqS), {kLoadLmcReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcReq, m_loadLmcReq)
 BCI_DEFINE_MESSAGE(BciLoadLmcReq, m_loadLmcReq)
-BCI_DEFINE_CODECS(BciLoadLmcReq, m_loadLmcReq, loadLmcReq)
+BCI_DEFINE_CODECS(BciLoadLmcReq, m_loadLmcReq, kLoadLmcReq)
 
 unsigned int BciLoadLmcReq::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 944;
 }
 
-constinit const Fields bci::kLoadLmcAck = {"bciLoadLmcMsg", kLoadLmcAckRows};
+constexpr Fields bci::kLoadLmcAck = {"bciLoadLmcMsg", kLoadLmcAckRows};
 
 const bci::codec::Shape bci::kLoadLmcAckShape = {
     "BciLoadLmcAck", "VornBcLoadLmcAckS", sizeof(VornBcLoadLmcAckS), {kLoadLmcAckRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcAck, m_loadLmcAck)
 BCI_DEFINE_MESSAGE(BciLoadLmcAck, m_loadLmcAck)
-BCI_DEFINE_CODECS(BciLoadLmcAck, m_loadLmcAck, loadLmcAck)
+BCI_DEFINE_CODECS(BciLoadLmcAck, m_loadLmcAck, kLoadLmcAck)
 
 unsigned int BciLoadLmcAck::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 6;
 }
 
-constinit const Fields bci::kLoadLmcEndCfm = {"bciLoadLmcMsg", kLoadLmcEndCfmRows};
+constexpr Fields bci::kLoadLmcEndCfm = {"bciLoadLmcMsg", kLoadLmcEndCfmRows};
 
 const bci::codec::Shape bci::kLoadLmcEndCfmShape = {
     "BciLoadLmcEndCfm", "VornBcLoadLmcEndCfmS", sizeof(VornBcLoadLmcEndCfmS), {kLoadLmcEndCfmRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcEndCfm, m_loadLmcEndCfm)
 BCI_DEFINE_MESSAGE(BciLoadLmcEndCfm, m_loadLmcEndCfm)
-BCI_DEFINE_CODECS(BciLoadLmcEndCfm, m_loadLmcEndCfm, loadLmcEndCfm)
+BCI_DEFINE_CODECS(BciLoadLmcEndCfm, m_loadLmcEndCfm, kLoadLmcEndCfm)
 
 unsigned int BciLoadLmcEndCfm::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 6;
 }
 
-constinit const Fields bci::kSelectLmcReq = {"bciLoadLmcMsg", kSelectLmcReqRows};
+constexpr Fields bci::kSelectLmcReq = {"bciLoadLmcMsg", kSelectLmcReqRows};
 
 const bci::codec::Shape bci::kSelectLmcReqShape = {
     "BciSelectLmcReq", "VornBcSelectLmcReqS", sizeof(VornBcSelectLmcReqS), {kSelectLmcReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciSelectLmcReq, m_selectLmcReq)
 BCI_DEFINE_MESSAGE(BciSelectLmcReq, m_selectLmcReq)
-BCI_DEFINE_CODECS(BciSelectLmcReq, m_selectLmcReq, selectLmcReq)
+BCI_DEFINE_CODECS(BciSelectLmcReq, m_selectLmcReq, kSelectLmcReq)
 
 unsigned int BciSelectLmcReq::getMaxTextBufferSize()
 {
@@ -167,6 +166,7 @@ BciLoadLmcData::BciLoadLmcData(SIGSELECT sigNo)
       m_loadLmcData(static_cast<VornBcLoadLmcDataS*>(std::malloc(kDataSize + 1)))
 {
     m_bciMessagePtr = reinterpret_cast<char*>(m_loadLmcData);
+    BCI_WRITES_THROUGH_STREAM;
 }
 
 BciLoadLmcData::~BciLoadLmcData()
@@ -191,43 +191,61 @@ unsigned int BciLoadLmcData::getMaxTextBufferSize()
 
 bool BciLoadLmcData::serializeBciMsgToText(ostream_text& stream) const
 {
-    writeText(kBeforeBlock, m_bciMessagePtr, stream);
+    TextWriter out(stream);
+    writeText(rows<kBeforeBlock>, m_bciMessagePtr, out);
     if (isTooLarge(*m_loadLmcData, 503))
     {
         return false;
     }
-    putRaw(stream, m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize);
-    stream << getDelim();
+    const char* const block = m_bciMessagePtr + kBlock.offset;
+    const unsigned int size = m_loadLmcData->lmBlockSize;
+    if (!putBytes(out, block, size))
+    {
+        out.through([=](ostream_text& at) { putRaw(at, block, size); });
+    }
+    out.through([this](ostream_text& at) { at << getDelim(); });
     return !stream.fail();
 }
 
 bool BciLoadLmcData::serializeBciMsgToBinary(ostream_binary& stream) const
 {
-    writeBinary(kBeforeBlock, m_bciMessagePtr, stream);
+    BinaryWriter out(stream);
+    writeBinary(rows<kBeforeBlock>, m_bciMessagePtr, out);
     if (isTooLarge(*m_loadLmcData, 522))
     {
         return false;
     }
-    stream.put(m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize);
+    const char* const block = m_bciMessagePtr + kBlock.offset;
+    const unsigned int size = m_loadLmcData->lmBlockSize;
+    if (!putBytes(out, block, size))
+    {
+        out.through([=](ostream_binary& at) { at.put(block, size); });
+    }
     return !stream.fail();
 }
 
 bool BciLoadLmcData::serializeBciMsgToXml(ostream_text& stream) const
 {
-    writeXml(kBeforeBlock, m_bciMessagePtr, stream);
+    TextWriter out(stream);
+    writeXml(rows<kBeforeBlock>, m_bciMessagePtr, out);
     if (isTooLarge(*m_loadLmcData, 549))
     {
         return false;
     }
-    putOpening(stream, kBlock, nullptr);
-    putRaw(stream, m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize);
-    putClosing(stream, kBlock, nullptr);
+    const char* const block = m_bciMessagePtr + kBlock.offset;
+    const unsigned int size = m_loadLmcData->lmBlockSize;
+    out.through([](ostream_text& at) { putOpening(at, kBlock); });
+    if (!putBytes(out, block, size))
+    {
+        out.through([=](ostream_text& at) { putRaw(at, block, size); });
+    }
+    out.through([](ostream_text& at) { putClosing(at, kBlock); });
     return !stream.fail();
 }
 
 bool BciLoadLmcData::deserializeBciMsgFromText(istream_text& stream)
 {
-    readText(kBeforeBlock, m_bciMessagePtr, stream);
+    readText(rows<kBeforeBlock>, m_bciMessagePtr, stream);
     if (isTooLarge(*m_loadLmcData, 563))
     {
         return false;
@@ -240,7 +258,7 @@ bool BciLoadLmcData::deserializeBciMsgFromText(istream_text& stream)
 
 bool BciLoadLmcData::deserializeBciMsgFromBinary(istream_binary& stream)
 {
-    readBinary(kBeforeBlock, m_bciMessagePtr, stream);
+    readBinary(rows<kBeforeBlock>, m_bciMessagePtr, stream);
     if (isTooLarge(*m_loadLmcData, 572))
     {
         return false;
@@ -252,7 +270,7 @@ bool BciLoadLmcData::deserializeBciMsgFromBinary(istream_binary& stream)
 bool BciLoadLmcData::deserializeBciMsgFromXml(istream_text& stream)
 {
     bci::codec::Elements elements(stream);
-    if (!readXml(kBeforeBlock, m_bciMessagePtr, elements) || isTooLarge(*m_loadLmcData, 618))
+    if (!readXml(rows<kBeforeBlock>, m_bciMessagePtr, elements) || isTooLarge(*m_loadLmcData, 618))
     {
         return false;
     }

@@ -25,21 +25,21 @@ static_assert(binarySize(kMaintStateIndRows) == sizeof(VornBcMaintStateIndS));
 
 } // namespace
 
-constinit const Fields bci::kSetMaintStateReq = {"bciMaintStateMsg", kSetMaintStateReqRows};
+constexpr Fields bci::kSetMaintStateReq = {"bciMaintStateMsg", kSetMaintStateReqRows};
 
 const bci::codec::Shape bci::kSetMaintStateReqShape = {
     "BciSetMaintStateReq", "VornBcSetMaintStateReqS", sizeof(VornBcSetMaintStateReqS), {kSetMaintStateReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciSetMaintStateReq, m_setMaintStateReq)
 BCI_DEFINE_MESSAGE(BciSetMaintStateReq, m_setMaintStateReq)
-BCI_DEFINE_CODECS(BciSetMaintStateReq, m_setMaintStateReq, setMaintStateReq)
+BCI_DEFINE_CODECS(BciSetMaintStateReq, m_setMaintStateReq, kSetMaintStateReq)
 
 unsigned int BciSetMaintStateReq::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 11;
 }
 
-constinit const Fields bci::kMaintStateInd = {"bciMaintStateMsg", kMaintStateIndRows};
+constexpr Fields bci::kMaintStateInd = {"bciMaintStateMsg", kMaintStateIndRows};
 
 const bci::codec::Shape bci::kMaintStateIndShape = {
     "BciMaintStateInd", "VornBcMaintStateIndS", sizeof(VornBcMaintStateIndS), {kMaintStateIndRows}};
@@ -49,10 +49,11 @@ BciMaintStateInd::BciMaintStateInd(SIGSELECT sigNo)
     : BciMessageBase(reinterpret_cast<char*>(&m_maintStateInd), sizeof m_maintStateInd, sigNo)
 {
     m_maintStateInd.sigNo = sigNo;
+    BCI_WRITES_THROUGH_STREAM;
 }
 
 BCI_DEFINE_MESSAGE(BciMaintStateInd, m_maintStateInd)
-BCI_DEFINE_CODECS(BciMaintStateInd, m_maintStateInd, maintStateInd)
+BCI_DEFINE_CODECS(BciMaintStateInd, m_maintStateInd, kMaintStateInd)
 
 unsigned int BciMaintStateInd::getMaxTextBufferSize()
 {

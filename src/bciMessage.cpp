@@ -1,8 +1,10 @@
 #include "bciMessage.h"
 
+#include "codec/optimize.h"
 #include "codec/tagLookup.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <syslog.h>
 
@@ -27,52 +29,69 @@ const unsigned int BciMessageBase::MAX_BUFFER_LEN_FOR_CHAR;
 namespace
 {
 
-// One rendering through one operation of a message: `length` goes in as the buffer's size and comes out
-// as what was written.
-template <typename Stream, typename Operation>
-bool serialize(char* buffer, unsigned int& length, Operation operation)
+// Clears what is often no more than a few bytes.
+inline void clear(char* to, unsigned int size)
 {
-    if (buffer != nullptr)
+    if (size >= sizeof(std::uint64_t))
     {
-        std::memset(buffer, 0, length);
+        std::memset(to, 0, size);
+        return;
+    }
+    for (; size != 0; --size)
+    {
+        *to++ = '\0';
+    }
+}
+
+// One rendering through one operation of a message: `length` goes in as the buffer's size and comes out
+// as what was written. Whatever is not written is zero.
+template <typename Stream>
+BCI_INLINE bool serialize(const BciMessageBase& message, bool (BciMessageBase::*operation)(Stream&) const,
+                          char* buffer, unsigned int& length, bool clearsBefore)
+{
+    const unsigned int size = length;
+    if (buffer != nullptr && (clearsBefore || !bci::codec::kForSpeed))
+    {
+        std::memset(buffer, 0, size);
     }
     Stream stream;
-    stream.attachBuffer(buffer, length);
-    const bool result = operation(stream) && !stream.fail();
+    stream.attachBuffer(buffer, size);
+    const bool result = (message.*operation)(stream) && !stream.fail();
     length = stream.length();
-    stream.detachBuffer();
+    if (bci::codec::kForSpeed && buffer != nullptr && !clearsBefore && length < size)
+    {
+        clear(buffer + length, size - length);
+    }
     return result;
 }
 
 // The other way: `length` comes out as what was consumed.
-template <typename Stream, typename Operation>
-bool deserialize(char* buffer, unsigned int& length, Operation operation)
+template <typename Stream>
+BCI_INLINE bool deserialize(BciMessageBase& message, bool (BciMessageBase::*operation)(Stream&), char* buffer,
+                            unsigned int& length)
 {
     Stream stream;
     stream.attachBuffer(buffer, length);
-    const bool result = operation(stream) && !stream.fail();
+    const bool result = (message.*operation)(stream) && !stream.fail();
     length = stream.tellg();
-    stream.detachBuffer();
     return result;
 }
 
 // The first number of a rendering; 0 if there is none.
 template <typename Stream>
-bool peekSigNo(char* buffer, unsigned int length, SIGSELECT& sigNo)
+SIGSELECT peekSigNo(char* buffer, unsigned int length)
 {
-    sigNo = 0;
-    return deserialize<Stream>(buffer, length,
-                               [&](Stream& stream)
-                               {
-                                   stream >> sigNo;
-                                   return true;
-                               });
+    SIGSELECT sigNo = 0;
+    Stream stream;
+    stream.attachBuffer(buffer, length);
+    stream >> sigNo;
+    return sigNo;
 }
 
 } // namespace
 
 BciMessageBase::BciMessageBase(char* msg, unsigned short size, unsigned long sigNo)
-    : MessageBase(msg, size, sigNo), m_bciMessagePtr(msg), m_bciMessageSize(size)
+    : MessageBase(msg, size, sigNo), m_bciMessagePtr(msg), m_bciMessageSize(size), m_writesThroughStream(0)
 {
 }
 
@@ -134,15 +153,13 @@ bool BciMessageBase::instantiateBciMsg(SIGSELECT sigNo, BciMessageBase*& msg)
 
 bool BciMessageBase::instantiateBciMsgFromText(char* buffer, unsigned int& length, BciMessageBase*& msg)
 {
-    SIGSELECT sigNo;
-    return peekSigNo<istream_text>(buffer, length, sigNo) && instantiateBciMsg(sigNo, msg) &&
+    return instantiateBciMsg(peekSigNo<istream_text>(buffer, length), msg) &&
            msg->deserializeFromText(buffer, length);
 }
 
 bool BciMessageBase::instantiateBciMsgFromBinary(char* buffer, unsigned int& length, BciMessageBase*& msg)
 {
-    SIGSELECT sigNo;
-    if (!peekSigNo<istream_binary>(buffer, length, sigNo) || !instantiateBciMsg(sigNo, msg))
+    if (!instantiateBciMsg(peekSigNo<istream_binary>(buffer, length), msg))
     {
         return false;
     }
@@ -170,46 +187,31 @@ bool BciMessageBase::instantiateBciMsgFromXml(char* buffer, unsigned int& length
 
 bool BciMessageBase::serializeToText(char* buffer, unsigned int& length) const
 {
-    return serialize<ostream_text>(buffer, length,
-                                   [this](ostream_text& stream) { return serializeBciMsgToText(stream); });
+    return serialize(*this, &BciMessageBase::serializeBciMsgToText, buffer, length, m_writesThroughStream == 0);
 }
 
 bool BciMessageBase::serializeToBinary(char* buffer, unsigned int& length) const
 {
-    return serialize<ostream_binary>(buffer, length,
-                                     [this](ostream_binary& stream) { return serializeBciMsgToBinary(stream); });
+    return serialize(*this, &BciMessageBase::serializeBciMsgToBinary, buffer, length, m_writesThroughStream == 0);
 }
 
 bool BciMessageBase::serializeToXml(char* buffer, unsigned int& length) const
 {
-    return serialize<ostream_text>(buffer, length,
-                                   [this](ostream_text& stream) { return serializeBciMsgToXml(stream); });
+    return serialize(*this, &BciMessageBase::serializeBciMsgToXml, buffer, length, m_writesThroughStream == 0);
 }
 
 bool BciMessageBase::deserializeFromText(char* buffer, unsigned int& length)
 {
-    return deserialize<istream_text>(buffer, length,
-                                     [this](istream_text& stream) { return deserializeBciMsgFromText(stream); });
+    return deserialize(*this, &BciMessageBase::deserializeBciMsgFromText, buffer, length);
 }
 
 bool BciMessageBase::deserializeFromBinary(char* buffer, unsigned int& length)
 {
-    return deserialize<istream_binary>(
-        buffer, length, [this](istream_binary& stream) { return deserializeBciMsgFromBinary(stream); });
+    return deserialize(*this, &BciMessageBase::deserializeBciMsgFromBinary, buffer, length);
 }
 
 // Reading XML does not move the stream, so the length comes out as 0.
 bool BciMessageBase::deserializeFromXml(char* buffer, unsigned int& length)
 {
-    return deserialize<istream_text>(buffer, length,
-                                     [this](istream_text& stream) { return deserializeBciMsgFromXml(stream); });
-}
-
-void insertArraySubscripts(std::string& text, unsigned short firstFromEnd, unsigned short secondFromEnd,
-                           const char* first, const char* second)
-{
-    const auto insert = [&text](std::size_t fromEnd, const char* subscript)
-    { text.insert(text.size() - std::min(fromEnd, text.size()), subscript); };
-    insert(firstFromEnd, first);
-    insert(secondFromEnd, second);
+    return deserialize(*this, &BciMessageBase::deserializeBciMsgFromXml, buffer, length);
 }

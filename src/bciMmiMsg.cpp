@@ -18,14 +18,14 @@ static_assert(binarySize(kSelectMmiReqRows) == sizeof(VornBcSelectMmiReqS));
 
 } // namespace
 
-constinit const Fields bci::kSelectMmiReq = {"bciMmiMsg", kSelectMmiReqRows};
+constexpr Fields bci::kSelectMmiReq = {"bciMmiMsg", kSelectMmiReqRows};
 
 const bci::codec::Shape bci::kSelectMmiReqShape = {
     "BciSelectMmiReq", "VornBcSelectMmiReqS", sizeof(VornBcSelectMmiReqS), {kSelectMmiReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciSelectMmiReq, m_selectMmiReq)
 BCI_DEFINE_MESSAGE(BciSelectMmiReq, m_selectMmiReq)
-BCI_DEFINE_CODECS(BciSelectMmiReq, m_selectMmiReq, selectMmiReq)
+BCI_DEFINE_CODECS(BciSelectMmiReq, m_selectMmiReq, kSelectMmiReq)
 
 unsigned int BciSelectMmiReq::getMaxTextBufferSize()
 {

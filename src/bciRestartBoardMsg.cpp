@@ -19,14 +19,14 @@ static_assert(binarySize(kRestartBoardFwdRows) == 150);
 
 } // namespace
 
-constinit const Fields bci::kRestartBoardFwd = {"bciRestartBoardMsg", kRestartBoardFwdRows};
+constexpr Fields bci::kRestartBoardFwd = {"bciRestartBoardMsg", kRestartBoardFwdRows};
 
 const bci::codec::Shape bci::kRestartBoardFwdShape = {
     "BciRestartBoardFwdMsg", "VornBcRestartBoardFwdS", sizeof(VornBcRestartBoardFwdS), {kRestartBoardFwdRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciRestartBoardFwdMsg, m_bciRestartBoardFwdMsg)
 BCI_DEFINE_MESSAGE(BciRestartBoardFwdMsg, m_bciRestartBoardFwdMsg)
-BCI_DEFINE_CODECS(BciRestartBoardFwdMsg, m_bciRestartBoardFwdMsg, restartBoardFwd)
+BCI_DEFINE_CODECS(BciRestartBoardFwdMsg, m_bciRestartBoardFwdMsg, kRestartBoardFwd)
 
 unsigned int BciRestartBoardFwdMsg::getMaxTextBufferSize()
 {

@@ -19,14 +19,14 @@ static_assert(binarySize(kTempMeasStartReqRows) == 13);
 
 } // namespace
 
-constinit const Fields bci::kTempMeasStartReq = {"bciTempMeasMsg", kTempMeasStartReqRows};
+constexpr Fields bci::kTempMeasStartReq = {"bciTempMeasMsg", kTempMeasStartReqRows};
 
 const bci::codec::Shape bci::kTempMeasStartReqShape = {
     "BciTempMeasStartReq", "VornBcTempMeasStartReqS", sizeof(VornBcTempMeasStartReqS), {kTempMeasStartReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciTempMeasStartReq, m_tempMeasStartReq)
 BCI_DEFINE_MESSAGE(BciTempMeasStartReq, m_tempMeasStartReq)
-BCI_DEFINE_CODECS(BciTempMeasStartReq, m_tempMeasStartReq, tempMeasStartReq)
+BCI_DEFINE_CODECS(BciTempMeasStartReq, m_tempMeasStartReq, kTempMeasStartReq)
 
 unsigned int BciTempMeasStartReq::getMaxTextBufferSize()
 {

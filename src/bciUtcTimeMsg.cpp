@@ -18,14 +18,14 @@ static_assert(binarySize(kSetUtcTimeReqRows) == sizeof(VornBcSetUtcTimeReqS));
 
 } // namespace
 
-constinit const Fields bci::kSetUtcTimeReq = {"bciUtcTimeMsg", kSetUtcTimeReqRows};
+constexpr Fields bci::kSetUtcTimeReq = {"bciUtcTimeMsg", kSetUtcTimeReqRows};
 
 const bci::codec::Shape bci::kSetUtcTimeReqShape = {
     "BciSetUtcTimeReq", "VornBcSetUtcTimeReqS", sizeof(VornBcSetUtcTimeReqS), {kSetUtcTimeReqRows}};
 
 BCI_DEFINE_CONSTRUCTOR(BciSetUtcTimeReq, m_setUtcTimeReq)
 BCI_DEFINE_MESSAGE(BciSetUtcTimeReq, m_setUtcTimeReq)
-BCI_DEFINE_CODECS(BciSetUtcTimeReq, m_setUtcTimeReq, setUtcTimeReq)
+BCI_DEFINE_CODECS(BciSetUtcTimeReq, m_setUtcTimeReq, kSetUtcTimeReq)
 
 unsigned int BciSetUtcTimeReq::getMaxTextBufferSize()
 {

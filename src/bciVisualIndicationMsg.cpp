@@ -29,7 +29,7 @@ static_assert(binarySize(kGetVisualIndicationCfmRows) == sizeof(VornBcGetVisualI
 
 } // namespace
 
-constinit const Fields bci::kSetVisualIndicationReq = {"bciVisualIndicationMsg", kSetVisualIndicationReqRows};
+constexpr Fields bci::kSetVisualIndicationReq = {"bciVisualIndicationMsg", kSetVisualIndicationReqRows};
 
 const bci::codec::Shape bci::kSetVisualIndicationReqShape = {"BciSetVisualIndicationReq",
                                                              "VornBcSetVisualIndicationReqS",
@@ -38,14 +38,14 @@ const bci::codec::Shape bci::kSetVisualIndicationReqShape = {"BciSetVisualIndica
 
 BCI_DEFINE_CONSTRUCTOR(BciSetVisualIndicationReq, m_setVisualIndicationReq)
 BCI_DEFINE_MESSAGE(BciSetVisualIndicationReq, m_setVisualIndicationReq)
-BCI_DEFINE_CODECS(BciSetVisualIndicationReq, m_setVisualIndicationReq, setVisualIndicationReq)
+BCI_DEFINE_CODECS(BciSetVisualIndicationReq, m_setVisualIndicationReq, kSetVisualIndicationReq)
 
 unsigned int BciSetVisualIndicationReq::getMaxTextBufferSize()
 {
     return BciMessageBase::getMaxTextBufferSize() + 6;
 }
 
-constinit const Fields bci::kGetVisualIndicationCfm = {"bciVisualIndicationMsg", kGetVisualIndicationCfmRows};
+constexpr Fields bci::kGetVisualIndicationCfm = {"bciVisualIndicationMsg", kGetVisualIndicationCfmRows};
 
 const bci::codec::Shape bci::kGetVisualIndicationCfmShape = {"BciGetVisualIndicationCfm",
                                                              "VornBcGetVisualIndicationCfmS",
@@ -54,7 +54,7 @@ const bci::codec::Shape bci::kGetVisualIndicationCfmShape = {"BciGetVisualIndica
 
 BCI_DEFINE_CONSTRUCTOR(BciGetVisualIndicationCfm, m_getVisualIndicationCfm)
 BCI_DEFINE_MESSAGE(BciGetVisualIndicationCfm, m_getVisualIndicationCfm)
-BCI_DEFINE_CODECS(BciGetVisualIndicationCfm, m_getVisualIndicationCfm, getVisualIndicationCfm)
+BCI_DEFINE_CODECS(BciGetVisualIndicationCfm, m_getVisualIndicationCfm, kGetVisualIndicationCfm)
 
 unsigned int BciGetVisualIndicationCfm::getMaxTextBufferSize()
 {

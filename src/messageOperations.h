@@ -17,12 +17,13 @@
         return (wire).addressInfo;                                                                                \
     }
 
-// Factory, destructor, accessors and binary size of a class that holds its wire structure as a member.
+// Factory (its argument of new stands on the stack: on the target the C++ library's own is far away), destructor,
+// accessors and binary size of a class that holds its wire structure as a member.
 #define BCI_DEFINE_MESSAGE(Class, member)                                                                         \
     Class::~Class() = default;                                                                                    \
     BciMessageBase* Class::instantiateBciMsg(SIGSELECT sigNo)                                                     \
     {                                                                                                             \
-        return new (std::nothrow) Class(sigNo);                                                                   \
+        return new (std::nothrow_t{}) Class(sigNo);                                                               \
     }                                                                                                             \
     BCI_DEFINE_ACCESSORS(Class, member)                                                                           \
     unsigned int Class::getMaxBinaryBufferSize()                                                                  \
@@ -34,7 +35,7 @@
 #define BCI_DEFINE_HEAP_FACTORY(Class)                                                                            \
     BciMessageBase* Class::instantiateBciMsg(SIGSELECT sigNo)                                                     \
     {                                                                                                             \
-        auto* const message = new (std::nothrow) Class(sigNo);                                                    \
+        auto* const message = new (std::nothrow_t{}) Class(sigNo);                                                \
         if (message != nullptr && message->getMsg() == nullptr)                                                   \
         {                                                                                                         \
             delete message;                                                                                       \
@@ -43,37 +44,60 @@
         return message;                                                                                           \
     }
 
+// Saves clearing a buffer beforehand, where fast counts more than small.
+#define BCI_WRITES_THROUGH_STREAM                                                                                 \
+    if (bci::codec::kForSpeed)                                                                                    \
+    m_writesThroughStream = 1
+
+// Small is a factory that calls the constructor, fast is one that has it in itself.
+#if BCI_OPTIMIZE_SPEED
+#define BCI_KEEP_ONCE
+#else
+#define BCI_KEEP_ONCE [[gnu::noinline]]
+#endif
+
 // The constructor that all but one of these classes have.
 #define BCI_DEFINE_CONSTRUCTOR(Class, member)                                                                     \
-    Class::Class(SIGSELECT sigNo) : BciMessageBase(reinterpret_cast<char*>(&(member)), sizeof(member), sigNo) {}
+    BCI_KEEP_ONCE Class::Class(SIGSELECT sigNo)                                                                   \
+        : BciMessageBase(reinterpret_cast<char*>(&(member)), sizeof(member), sigNo)                               \
+    {                                                                                                             \
+        BCI_WRITES_THROUGH_STREAM;                                                                                \
+    }
 
-// Codec operations of a class whose rows say everything: its Table, without the enumeration's name.
+// A codec operation of a class whose rows say everything. It hands over the table or, where small counts more than
+// fast, its number.
+#if BCI_OPTIMIZE_SPEED
+#define BCI_CODEC(operation, member, table) bci::codec::operation(bci::codec::rows<bci::table>, &(member), stream)
+#else
+#define BCI_CODEC(operation, member, table) bci::operation(m_bciMessagePtr, stream, bci::Table::table)
+#endif
+
 #define BCI_DEFINE_WRITERS(Class, member, table)                                                                  \
     bool Class::serializeBciMsgToText(commonStream::ostream_text& stream) const                                   \
     {                                                                                                             \
-        return bci::writeText(bci::Table::table, &(member), stream);                                              \
+        return BCI_CODEC(writeText, member, table);                                                               \
     }                                                                                                             \
     bool Class::serializeBciMsgToBinary(commonStream::ostream_binary& stream) const                               \
     {                                                                                                             \
-        return bci::writeBinary(bci::Table::table, &(member), stream);                                            \
+        return BCI_CODEC(writeBinary, member, table);                                                             \
     }                                                                                                             \
     bool Class::serializeBciMsgToXml(commonStream::ostream_text& stream) const                                    \
     {                                                                                                             \
-        return bci::writeXml(bci::Table::table, &(member), stream);                                               \
+        return BCI_CODEC(writeXml, member, table);                                                                \
     }
 
 #define BCI_DEFINE_READERS(Class, member, table)                                                                  \
     bool Class::deserializeBciMsgFromText(commonStream::istream_text& stream)                                     \
     {                                                                                                             \
-        return bci::readText(bci::Table::table, &(member), stream);                                               \
+        return BCI_CODEC(readText, member, table);                                                                \
     }                                                                                                             \
     bool Class::deserializeBciMsgFromBinary(commonStream::istream_binary& stream)                                 \
     {                                                                                                             \
-        return bci::readBinary(bci::Table::table, &(member), stream);                                             \
+        return BCI_CODEC(readBinary, member, table);                                                              \
     }                                                                                                             \
     bool Class::deserializeBciMsgFromXml(commonStream::istream_text& stream)                                      \
     {                                                                                                             \
-        return bci::readXml(bci::Table::table, &(member), stream);                                                \
+        return BCI_CODEC(readXml, member, table);                                                                 \
     }
 
 #define BCI_DEFINE_CODECS(Class, member, table)                                                                   \

@@ -25,16 +25,20 @@ const bool NULL_TERMINATED_TEXT_OSTREAM = false;
 constexpr unsigned int kNumberTokenSize = 32;
 
 // Writes the digits backwards, as they fall out, then turns them round into the caller's buffer.
-template <typename T>
-void toAscii(char* output, T magnitude, bool negative)
+void toAscii(char* output, unsigned long long magnitude, bool negative)
 {
     char digits[NUM_TEXT_BUFFER_SIZE];
     char* digit = digits;
-    do
+    for (; magnitude > 0xFFFFFFFF; magnitude /= 10)
     {
         *digit++ = static_cast<char>('0' + magnitude % 10);
-        magnitude /= 10;
-    } while (magnitude != 0);
+    }
+    std::uint32_t rest = static_cast<std::uint32_t>(magnitude); // dividing it costs the target much less
+    do
+    {
+        *digit++ = static_cast<char>('0' + rest % 10);
+        rest /= 10;
+    } while (rest != 0);
     if (negative)
     {
         *output++ = '-';
@@ -54,28 +58,6 @@ bool isDigit(char ch)
 bool isHexLetter(char ch)
 {
     return (ch >= 'A' && ch <= 'F') || (ch >= 'a' && ch <= 'f');
-}
-
-// Sums up the digits from the last one towards the first, modulo the width of T, until something else
-// than a digit comes.
-template <typename T>
-bool fromAscii(const char* text, T& value, bool& negative)
-{
-    negative = false;
-    value = 0;
-    T multiplier = 1;
-    for (const char* at = text + std::strlen(text); at != text;)
-    {
-        --at;
-        if (!isDigit(*at))
-        {
-            negative = *at == '-';
-            return negative;
-        }
-        value += static_cast<T>(*at - '0') * multiplier;
-        multiplier *= 10;
-    }
-    return true;
 }
 
 } // namespace
@@ -386,29 +368,17 @@ ostream_binary::ostream_binary() = default;
 
 ostream_binary::~ostream_binary() = default;
 
-template <typename T>
-ostream_binary& ostream_binary::write(T value)
+// All bytes of a number, or none.
+ostream_binary& ostream_binary::write(const void* bytes, unsigned int count)
 {
-    if (room() < sizeof(T))
+    if (room() < count)
     {
         setfail();
         return *this;
     }
-    bci::storeBigEndian(next(), value);
-    advance(sizeof(T));
+    std::memcpy(next(), bytes, count);
+    advance(count);
     return *this;
-}
-
-// The signal number, alone at position 0, keeps the host's byte order.
-ostream_binary& ostream_binary::writeFirstWord(unsigned int value)
-{
-    if (m_currentWritePosition == 0 && room() >= sizeof value)
-    {
-        std::memcpy(m_bufferPtr, &value, sizeof value);
-        advance(sizeof value);
-        return *this;
-    }
-    return write(value);
 }
 
 ostream_binary& ostream_binary::operator<<(bool value)
@@ -423,47 +393,56 @@ ostream_binary& ostream_binary::operator<<(char value)
 
 ostream_binary& ostream_binary::operator<<(unsigned char value)
 {
-    return write(value);
+    return write(&value, sizeof value);
 }
 
 ostream_binary& ostream_binary::operator<<(short value)
 {
-    return write(value);
+    value = bci::bigEndian(value);
+    return write(&value, sizeof value);
 }
 
 ostream_binary& ostream_binary::operator<<(unsigned short value)
 {
-    return write(value);
+    value = bci::bigEndian(value);
+    return write(&value, sizeof value);
 }
 
 ostream_binary& ostream_binary::operator<<(int value)
 {
-    return write(value);
+    value = bci::bigEndian(value);
+    return write(&value, sizeof value);
 }
 
+// The signal number, alone at position 0, keeps the host's byte order.
 ostream_binary& ostream_binary::operator<<(unsigned int value)
 {
-    return writeFirstWord(value);
+    if (m_currentWritePosition != 0)
+    {
+        value = bci::bigEndian(value);
+    }
+    return write(&value, sizeof value);
 }
 
 ostream_binary& ostream_binary::operator<<(long value)
 {
-    return write(static_cast<std::int32_t>(value));
+    return *this << static_cast<std::int32_t>(value);
 }
 
 ostream_binary& ostream_binary::operator<<(unsigned long value)
 {
-    return writeFirstWord(static_cast<unsigned int>(value));
+    return *this << static_cast<std::uint32_t>(value);
 }
 
 ostream_binary& ostream_binary::operator<<(unsigned long long value)
 {
-    return write(value);
+    value = bci::bigEndian(value);
+    return write(&value, sizeof value);
 }
 
 ostream_binary& ostream_binary::put(char value)
 {
-    return write(value);
+    return write(&value, sizeof value);
 }
 
 ostream_binary& ostream_binary::put(const char* valuePtr, unsigned int count)
@@ -481,8 +460,8 @@ istream_binary::istream_binary() = default;
 
 istream_binary::~istream_binary() = default;
 
-// Whether a number of so many bytes can be read now.
-bool istream_binary::expect(unsigned int count)
+// All bytes of a number. Returns whether they could be read.
+bool istream_binary::read(void* bytes, unsigned int count)
 {
     if (!good())
     {
@@ -494,41 +473,19 @@ bool istream_binary::expect(unsigned int count)
         advance(0);
         return false;
     }
+    std::memcpy(bytes, next(), count);
+    advance(count);
     return true;
-}
-
-template <typename Wire, typename T>
-istream_binary& istream_binary::read(T& value)
-{
-    if (expect(sizeof(Wire)))
-    {
-        value = bci::loadBigEndian<Wire>(next());
-        advance(sizeof(Wire));
-    }
-    return *this;
-}
-
-// The signal number, alone at position 0, has the host's byte order.
-template <typename T>
-istream_binary& istream_binary::readFirstWord(T& value)
-{
-    if (m_currentReadPosition != 0)
-    {
-        return read<std::uint32_t>(value);
-    }
-    std::uint32_t word;
-    if (expect(sizeof word))
-    {
-        std::memcpy(&word, m_bufferPtr, sizeof word);
-        value = word;
-        advance(sizeof word);
-    }
-    return *this;
 }
 
 istream_binary& istream_binary::operator>>(bool& value)
 {
-    return read<unsigned char>(value);
+    unsigned char number;
+    if (read(&number, sizeof number))
+    {
+        value = number != 0;
+    }
+    return *this;
 }
 
 istream_binary& istream_binary::operator>>(char& value)
@@ -538,47 +495,84 @@ istream_binary& istream_binary::operator>>(char& value)
 
 istream_binary& istream_binary::operator>>(unsigned char& value)
 {
-    return read<unsigned char>(value);
+    read(&value, sizeof value);
+    return *this;
 }
 
 istream_binary& istream_binary::operator>>(short& value)
 {
-    return read<short>(value);
+    short number;
+    if (read(&number, sizeof number))
+    {
+        value = bci::bigEndian(number);
+    }
+    return *this;
 }
 
 istream_binary& istream_binary::operator>>(unsigned short& value)
 {
-    return read<unsigned short>(value);
+    unsigned short number;
+    if (read(&number, sizeof number))
+    {
+        value = bci::bigEndian(number);
+    }
+    return *this;
 }
 
 istream_binary& istream_binary::operator>>(int& value)
 {
-    return read<std::int32_t>(value);
+    std::int32_t number;
+    if (read(&number, sizeof number))
+    {
+        value = bci::bigEndian(number);
+    }
+    return *this;
 }
 
 istream_binary& istream_binary::operator>>(unsigned int& value)
 {
-    return readFirstWord(value);
+    unsigned long number = value;
+    *this >> number;
+    value = static_cast<unsigned int>(number);
+    return *this;
 }
 
 istream_binary& istream_binary::operator>>(long& value)
 {
-    return read<std::int32_t>(value);
+    std::int32_t number;
+    if (read(&number, sizeof number))
+    {
+        value = bci::bigEndian(number);
+    }
+    return *this;
 }
 
+// The signal number, alone at position 0, has the host's byte order.
 istream_binary& istream_binary::operator>>(unsigned long& value)
 {
-    return readFirstWord(value);
+    const bool atStart = m_currentReadPosition == 0;
+    std::uint32_t number;
+    if (read(&number, sizeof number))
+    {
+        value = atStart ? number : bci::bigEndian(number);
+    }
+    return *this;
 }
 
 istream_binary& istream_binary::operator>>(unsigned long long& value)
 {
-    return read<unsigned long long>(value);
+    unsigned long long number;
+    if (read(&number, sizeof number))
+    {
+        value = bci::bigEndian(number);
+    }
+    return *this;
 }
 
 istream_binary& istream_binary::get(char& value)
 {
-    return read<char>(value);
+    read(&value, sizeof value);
+    return *this;
 }
 
 istream_binary& istream_binary::get(char* valuePtr, unsigned int count)
@@ -749,38 +743,73 @@ istream_text& istream_text::operator>>(char& ch)
 
 istream_text& istream_text::operator>>(unsigned char& value)
 {
-    return readUnsigned(value, 0xFF);
+    unsigned long number;
+    if (scanUnsigned(number, 0xFF))
+    {
+        value = static_cast<unsigned char>(number);
+    }
+    return *this;
 }
 
 // There is no lower bound: what lies below -32768 is stored with its low 16 bits.
 istream_text& istream_text::operator>>(short& value)
 {
-    return readSigned(value, 0x7FFF);
+    long number;
+    if (scanSigned(number, 0x7FFF))
+    {
+        value = static_cast<short>(number);
+    }
+    return *this;
 }
 
 istream_text& istream_text::operator>>(unsigned short& value)
 {
-    return readUnsigned(value, 0xFFFF);
+    unsigned long number;
+    if (scanUnsigned(number, 0xFFFF))
+    {
+        value = static_cast<unsigned short>(number);
+    }
+    return *this;
 }
 
 istream_text& istream_text::operator>>(int& value)
 {
-    return readSigned(value, 0x7FFFFFFF);
+    long number;
+    if (scanSigned(number, 0x7FFFFFFF))
+    {
+        value = static_cast<int>(number);
+    }
+    return *this;
 }
 
 istream_text& istream_text::operator>>(unsigned int& value)
 {
-    return readUnsignedInPlace(value);
+    unsigned long number = value;
+    *this >> number;
+    value = static_cast<unsigned int>(number);
+    return *this;
 }
 
 istream_text& istream_text::operator>>(long& value)
 {
-    return readSigned(value, 0x7FFFFFFF);
+    long number;
+    if (scanSigned(number, 0x7FFFFFFF))
+    {
+        value = number;
+    }
+    return *this;
 }
 
+// Unlike the others, the unsigned numbers of 32 and 64 bits are converted into the target itself: it keeps its
+// value where converting does nothing, and receives the magnitude of a negative number that fails.
 istream_text& istream_text::operator>>(unsigned long& value)
 {
-    return readUnsignedInPlace(value);
+    char number[kNumberTokenSize];
+    if (scanNumber(number) && !asciiToUnsigned(number, value))
+    {
+        setfail();
+    }
+    return *this;
 }
 
 istream_text& istream_text::operator>>(unsigned long long& value)
@@ -883,9 +912,9 @@ bool istream_text::asciiToInt(const char* text, unsigned long& value, bool& nega
     {
         return true;
     }
-    std::uint32_t magnitude;
-    const bool converted = fromAscii(text, magnitude, negative);
-    value = magnitude;
+    unsigned long long magnitude;
+    const bool converted = asciiToLongLong(text, magnitude, negative);
+    value = static_cast<std::uint32_t>(magnitude);
     return converted;
 }
 
@@ -907,9 +936,29 @@ bool istream_text::asciiToUnsigned(const char* text, unsigned long& value) const
     return asciiToInt(text, value, negative) && !negative;
 }
 
+// Sums up the digits from the last one towards the first, modulo the width of the target, until something else
+// than a digit comes.
 bool istream_text::asciiToLongLong(const char* text, unsigned long long& value, bool& negative) const
 {
-    return !good() || fromAscii(text, value, negative);
+    if (!good())
+    {
+        return true;
+    }
+    negative = false;
+    value = 0;
+    unsigned long long multiplier = 1;
+    for (const char* at = text + std::strlen(text); at != text;)
+    {
+        --at;
+        if (!isDigit(*at))
+        {
+            negative = *at == '-';
+            return negative;
+        }
+        value += static_cast<unsigned long long>(*at - '0') * multiplier;
+        multiplier *= 10;
+    }
+    return true;
 }
 
 bool istream_text::asciiToSignedLongLong(const char* text, long long& value) const
@@ -946,62 +995,39 @@ bool istream_text::scanNumber(char* buffer)
     return true;
 }
 
-// Scanning may leave the stream not good with a number in hand (at the end of the data, or at a sign
+// Scans a number for a signed target, or an unsigned one, that holds no greater one. Returns whether there is one
+// to store. Scanning may leave the stream not good with a number in hand (at the end of the data, or at a sign
 // within it). Converting then does nothing and succeeds, so the value is the 0 that stands here.
-template <typename T>
-istream_text& istream_text::readSigned(T& value, long maximum)
+bool istream_text::scanSigned(long& value, long maximum)
 {
     char number[kNumberTokenSize];
-    long converted = 0;
-    if (scanNumber(number))
+    value = 0;
+    if (!scanNumber(number))
     {
-        if (asciiToSigned(number, converted) && converted <= maximum)
-        {
-            value = static_cast<T>(converted);
-        }
-        else
-        {
-            setfail();
-        }
+        return false;
     }
-    return *this;
+    if (!asciiToSigned(number, value) || value > maximum)
+    {
+        setfail();
+        return false;
+    }
+    return true;
 }
 
-template <typename T>
-istream_text& istream_text::readUnsigned(T& value, unsigned long maximum)
+bool istream_text::scanUnsigned(unsigned long& value, unsigned long maximum)
 {
     char number[kNumberTokenSize];
-    unsigned long converted = 0;
-    if (scanNumber(number))
+    value = 0;
+    if (!scanNumber(number))
     {
-        if (asciiToUnsigned(number, converted) && converted <= maximum)
-        {
-            value = static_cast<T>(converted);
-        }
-        else
-        {
-            setfail();
-        }
+        return false;
     }
-    return *this;
-}
-
-// Unlike the others, the 32-bit unsigned numbers are converted into the target itself: it keeps its
-// value where converting does nothing, and receives the magnitude of a negative number that fails.
-template <typename T>
-istream_text& istream_text::readUnsignedInPlace(T& value)
-{
-    char number[kNumberTokenSize];
-    unsigned long converted = value;
-    if (scanNumber(number))
+    if (!asciiToUnsigned(number, value) || value > maximum)
     {
-        if (!asciiToUnsigned(number, converted))
-        {
-            setfail();
-        }
-        value = static_cast<T>(converted);
+        setfail();
+        return false;
     }
-    return *this;
+    return true;
 }
 
 } // namespace commonStream

@@ -38,32 +38,32 @@ const codec::Fields& fieldsOf(Table table)
 
 } // namespace
 
-bool writeText(Table table, const void* structure, commonStream::ostream_text& stream)
+bool writeText(const void* structure, commonStream::ostream_text& stream, Table table)
 {
     return codec::writeText(fieldsOf(table), structure, stream);
 }
 
-bool writeBinary(Table table, const void* structure, commonStream::ostream_binary& stream)
+bool writeBinary(const void* structure, commonStream::ostream_binary& stream, Table table)
 {
     return codec::writeBinary(fieldsOf(table), structure, stream);
 }
 
-bool writeXml(Table table, const void* structure, commonStream::ostream_text& stream)
+bool writeXml(const void* structure, commonStream::ostream_text& stream, Table table)
 {
     return codec::writeXml(fieldsOf(table), structure, stream);
 }
 
-bool readText(Table table, void* structure, commonStream::istream_text& stream)
+bool readText(void* structure, commonStream::istream_text& stream, Table table)
 {
     return codec::readText(fieldsOf(table), structure, stream);
 }
 
-bool readBinary(Table table, void* structure, commonStream::istream_binary& stream)
+bool readBinary(void* structure, commonStream::istream_binary& stream, Table table)
 {
     return codec::readBinary(fieldsOf(table), structure, stream);
 }
 
-bool readXml(Table table, void* structure, commonStream::istream_text& stream)
+bool readXml(void* structure, commonStream::istream_text& stream, Table table)
 {
     return codec::readXml(fieldsOf(table), structure, stream);
 }

@@ -11,27 +11,27 @@ namespace bci
 
 enum class Table : U8
 {
-    auditCfm,
-    connEstRej,
-    connEstReq,
-    generic,
-    genericRej,
-    getHwPidCfm,
-    getVisualIndicationCfm,
-    hwLogGetReq,
-    loadLmcAck,
-    loadLmcEndCfm,
-    loadLmcInitCfm,
-    loadLmcInitReq,
-    loadLmcReq,
-    maintStateInd,
-    restartBoardFwd,
-    selectLmcReq,
-    selectMmiReq,
-    setMaintStateReq,
-    setUtcTimeReq,
-    setVisualIndicationReq,
-    tempMeasStartReq
+    kAuditCfm,
+    kConnEstRej,
+    kConnEstReq,
+    kGeneric,
+    kGenericRej,
+    kGetHwPidCfm,
+    kGetVisualIndicationCfm,
+    kHwLogGetReq,
+    kLoadLmcAck,
+    kLoadLmcEndCfm,
+    kLoadLmcInitCfm,
+    kLoadLmcInitReq,
+    kLoadLmcReq,
+    kMaintStateInd,
+    kRestartBoardFwd,
+    kSelectLmcReq,
+    kSelectMmiReq,
+    kSetMaintStateReq,
+    kSetUtcTimeReq,
+    kSetVisualIndicationReq,
+    kTempMeasStartReq
 };
 
 // Each is defined beside its message's rows.
@@ -58,12 +58,12 @@ extern const codec::Fields kSetVisualIndicationReq;
 extern const codec::Fields kTempMeasStartReq;
 
 // The engine's functions of these names, on a whole table.
-bool writeText(Table table, const void* structure, commonStream::ostream_text& stream);
-bool writeBinary(Table table, const void* structure, commonStream::ostream_binary& stream);
-bool writeXml(Table table, const void* structure, commonStream::ostream_text& stream);
-bool readText(Table table, void* structure, commonStream::istream_text& stream);
-bool readBinary(Table table, void* structure, commonStream::istream_binary& stream);
-bool readXml(Table table, void* structure, commonStream::istream_text& stream);
+bool writeText(const void* structure, commonStream::ostream_text& stream, Table table);
+bool writeBinary(const void* structure, commonStream::ostream_binary& stream, Table table);
+bool writeXml(const void* structure, commonStream::ostream_text& stream, Table table);
+bool readText(void* structure, commonStream::istream_text& stream, Table table);
+bool readBinary(void* structure, commonStream::istream_binary& stream, Table table);
+bool readXml(void* structure, commonStream::istream_text& stream, Table table);
 
 } // namespace bci
 #pragma GCC visibility pop

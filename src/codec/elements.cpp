@@ -44,7 +44,16 @@ bool Elements::takeNext(const char* name, std::size_t size, TagContent& content)
 bool Elements::find(const char* name, std::size_t size, TagContent& content)
 {
     const bool taken = takeNext(name, size, content);
-    return (taken && !m_repeats) || findTag(m_document, name, content) != nullptr;
+    if (taken && !m_repeats)
+    {
+        return true;
+    }
+    const char* behind;
+    if (m_index.find(m_document, name, size, behind))
+    {
+        return behind != nullptr && findClosingTag(behind, name, content) != nullptr;
+    }
+    return findTag(m_document, name, content) != nullptr;
 }
 
 } // namespace bci::codec

@@ -2,11 +2,16 @@
 #ifndef BCI_CODEC_ELEMENTS_H
 #define BCI_CODEC_ELEMENTS_H
 
+#include "elementIndex.h"
+#include "optimize.h"
 #include "stream.h"
 #include "tagLookup.h"
 
 #include <cstddef>
+#include <cstring>
+#include <type_traits>
 
+#pragma GCC visibility push(hidden)
 namespace bci::codec
 {
 
@@ -20,6 +25,10 @@ public:
     explicit Elements(const commonStream::istream_text& stream)
         : m_document(stream.getBuffer()), m_next(m_document)
     {
+        if (kForSpeed && m_document != nullptr)
+        {
+            m_end = m_document + strnlen(m_document, kReach);
+        }
     }
 
     const char* document() const
@@ -37,14 +46,52 @@ public:
     // Returns whether there is such an element.
     bool find(const char* name, std::size_t size, TagContent& content);
 
+    // For who looks at the elements himself: where the next one begins, null if there may be others of its name in
+    // front of it.
+    const char* next() const
+    {
+        return m_repeats ? nullptr : m_next;
+    }
+
+    // The end of the document, or of as much of it as is worth looking at so.
+    const char* end() const
+    {
+        return m_end;
+    }
+
+    // Passes the next one.
+    void passTo(const char* next)
+    {
+        m_next = next;
+    }
+
+#if BCI_OPTIMIZE_SPEED
+    // The first name with a hash in the whole document, which has to be searched from now on; null if there is
+    // none, or names repeat.
+    const char* first(U32 hash)
+    {
+        if (m_repeats)
+        {
+            return nullptr;
+        }
+        m_next = nullptr;
+        return m_index.first(m_document, hash);
+    }
+#endif
+
 private:
+    static constexpr std::size_t kReach = 8192; // more than any message takes but those with raw data
+
     bool takeNext(const char* name, std::size_t size, TagContent& content);
 
     const char* m_document;
     const char* m_next; // where the next element begins; null after a deviation
+    const char* m_end = nullptr;
     bool m_repeats = false;
+    std::conditional_t<kForSpeed, ElementIndex, NoIndex> m_index;
 };
 
 } // namespace bci::codec
+#pragma GCC visibility pop
 
 #endif

@@ -35,6 +35,8 @@ enum class Oddity : U8
     quotesDocument,
     // The XML element starts without its tab, and three blanks stand before its value.
     bareOpening,
+    // The XML element's closing tag has another name: its row gives both, "tag\0closing".
+    foreignClosing,
     // The XML reader passes the field over.
     notReadFromXml
 };
@@ -46,10 +48,15 @@ struct Field
     U16 size;   // in the wire structure and in the binary form, in bytes
     Kind kind;
     Oddity oddity;
-    U16 line;               // line number in the log line of the missing element
-    const char* tag;        // name of the XML element
-    const char* closingTag; // name in its closing tag: the same but for one field of the format
+    U16 line;        // line number in the log line of the missing element
+    const char* tag; // name of the XML element
 };
+
+// The name in a field's closing tag: its tag but for one field of the format.
+constexpr const char* closingTag(const Field& field)
+{
+    return field.oddity == Oddity::foreignClosing ? field.tag + std::string_view(field.tag).size() + 1 : field.tag;
+}
 
 template <typename T>
 consteval Kind kindOf()
@@ -89,14 +96,7 @@ consteval Field makeField(std::size_t offset, const char (&tag)[N], unsigned int
                           Oddity oddity = Oddity::none)
 {
     static_assert(N - 1 <= kMaxTagLength);
-    return {static_cast<U16>(offset), sizeof(T), kindOf<T>(), oddity, static_cast<U16>(line), tag, tag};
-}
-
-// Another element's name in the closing tag.
-consteval Field closedBy(Field field, const char* closingTag)
-{
-    field.closingTag = closingTag;
-    return field;
+    return {static_cast<U16>(offset), sizeof(T), kindOf<T>(), oddity, static_cast<U16>(line), tag};
 }
 
 // BCI_FIELD(structure, member, tag, line [, oddity])
@@ -154,29 +154,17 @@ constexpr unsigned int maxTextSize(std::span<const Field> rows)
     return size;
 }
 
-// Characters that fields take in text at most.
-constexpr unsigned int longestText(std::span<const Field> rows)
+// Whether fields follow one another in the structure without gaps, as they do in the binary form.
+constexpr bool areAdjacent(std::span<const Field> rows)
 {
-    unsigned int size = 0;
-    for (const Field& field : rows)
+    for (std::size_t i = 1; i < rows.size(); ++i)
     {
-        size += (field.kind == Kind::text ? field.size : textWidth(field.kind)) + 1;
+        if (rows[i].offset != rows[i - 1].offset + rows[i - 1].size)
+        {
+            return false;
+        }
     }
-    return size;
-}
-
-// Characters that fields take in XML at most, apart from the indexes in their names.
-constexpr unsigned int longestXml(std::span<const Field> rows)
-{
-    constexpr unsigned int kLayout = 13;
-    unsigned int size = 0;
-    for (const Field& field : rows)
-    {
-        size += (field.kind == Kind::text ? field.size : textWidth(field.kind)) + kLayout +
-                static_cast<unsigned int>(std::string_view(field.tag).size() +
-                                          std::string_view(field.closingTag).size());
-    }
-    return size;
+    return !rows.empty();
 }
 
 // A message's fields in wire order, and the source file that their log lines name. Spans of them too.
@@ -185,8 +173,7 @@ struct Fields
     constexpr Fields() = default;
     constexpr Fields(const char* theSource, std::span<const Field> theRows)
         : source(theSource), rows(theRows), binarySize(static_cast<U16>(codec::binarySize(theRows))),
-          longestText(static_cast<U16>(codec::longestText(theRows))),
-          longestXml(static_cast<U16>(codec::longestXml(theRows)))
+          adjacent(areAdjacent(theRows))
     {
     }
 
@@ -197,9 +184,8 @@ struct Fields
 
     const char* source = nullptr;
     std::span<const Field> rows;
-    U16 binarySize = 0;  // bytes that they take in the binary form
-    U16 longestText = 0; // characters that they take in text at most
-    U16 longestXml = 0;  // characters that they take in XML at most, apart from indexes
+    U16 binarySize = 0; // bytes that they take in the binary form
+    bool adjacent = false;
 };
 
 } // namespace bci::codec

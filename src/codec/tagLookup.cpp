@@ -73,17 +73,18 @@ const char* findTag(const char* document, const char* tag, const char* closingTa
         return nullptr;
     }
     const char* begin = nullptr;
+    return findBracketed(document, "<", tag, begin) != nullptr ? findClosingTag(begin, closingTag, content)
+                                                               : nullptr;
+}
+
+const char* findClosingTag(const char* begin, const char* closingTag, TagContent& content)
+{
     const char* behind = nullptr;
-    if (findBracketed(document, "<", tag, begin) == nullptr)
-    {
-        return nullptr;
-    }
     const char* const end = findBracketed(begin, "</", closingTag, behind);
-    if (end == nullptr)
+    if (end != nullptr)
     {
-        return nullptr;
+        content = withoutLayout(begin, end);
     }
-    content = withoutLayout(begin, end);
     return behind;
 }
 

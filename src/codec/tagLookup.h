@@ -28,6 +28,9 @@ struct TagContent
 const char* findTag(const char* document, const char* tag, TagContent& content);
 const char* findTag(const char* document, const char* tag, const char* closingTag, TagContent& content);
 
+// The same for an element whose opening tag ends here.
+const char* findClosingTag(const char* begin, const char* closingTag, TagContent& content);
+
 // Converts like the target's atoi: white space, one sign, digits up to the first other character, cut to
 // the range of 32 bits. No digits give 0.
 S32 toNumber(const TagContent& content);

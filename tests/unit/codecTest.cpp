@@ -41,7 +41,7 @@ constexpr Field kSampleRows[] = {
     BCI_FIELD(SampleS, byte, "byte", 38),
     BCI_FIELD(SampleS, name, "name", 45),
     BCI_FIELD(SampleS, bare, "bare", 52, Oddity::bareOpening),
-    closedBy(BCI_FIELD(SampleS, foreign, "foreign", 59), "other"),
+    BCI_FIELD(SampleS, foreign, "foreign\0other", 59, Oddity::foreignClosing),
     BCI_FIELD(SampleS, skipped, "skipped", 66, Oddity::notReadFromXml),
 };
 constexpr Fields kSample = {"sampleMsg", kSampleRows};
@@ -125,12 +125,12 @@ TEST(Codec, TakesWhateverStandsBehindAFieldForItsDelimiter)
     {
         U16 one, two, three;
     } structure = {};
-    constexpr Field rows[] = {{0, 2, Kind::u16, Oddity::none, 1, "one", "one"},
-                              {2, 2, Kind::u16, Oddity::none, 2, "two", "two"},
-                              {4, 2, Kind::u16, Oddity::none, 3, "three", "three"}};
+    constexpr Field rows[] = {{0, 2, Kind::u16, Oddity::none, 1, "one"},
+                              {2, 2, Kind::u16, Oddity::none, 2, "two"},
+                              {4, 2, Kind::u16, Oddity::none, 3, "three"}};
     istream_text stream;
     stream.attachBuffer(text.data(), static_cast<unsigned int>(text.size()));
-    EXPECT_TRUE(readText({"sampleMsg", rows}, &structure, stream));
+    EXPECT_TRUE(readText(Fields("sampleMsg", rows), &structure, stream));
     EXPECT_EQ(structure.one, 1);
     EXPECT_EQ(structure.two, 2);
     EXPECT_EQ(structure.three, 0) << "'x' behind a digit makes the number 0";
@@ -315,8 +315,13 @@ TEST(Codec, PutsIndexesIntoTheNamesOfElements)
 {
     const ElementS structure = {5, 6, 7};
     const Subscripts subscripts = {1, 12};
-    EXPECT_EQ(written<ostream_text>([&](ostream_text& stream)
-                                    { return writeXml(kElement, &structure, stream, &subscripts); }),
+    EXPECT_EQ(written<ostream_text>(
+                  [&](ostream_text& stream)
+                  {
+                      TextWriter out(stream);
+                      writeXml(kElement, &structure, out, &subscripts);
+                      return true;
+                  }),
               "\t<single_1>\n\t  5\n\t</single_1>\n"
               "\t<twofold_1_12>\n\t  6\n\t</twofold_1_12>\n"
               "\t<plain>\n\t  7\n\t</plain>\n");

@@ -291,9 +291,9 @@ private:
         const char*& from = m_readUpTo.try_emplace(m_name, document).first->second;
         codec::TagContent content;
         const char* end = codec::findTag(from, m_name.c_str(), content);
-        if (end == nullptr && field.closingTag != field.tag)
+        if (end == nullptr && field.oddity == codec::Oddity::foreignClosing)
         {
-            end = codec::findTag(from, m_name.c_str(), field.closingTag, content);
+            end = codec::findTag(from, m_name.c_str(), closingTag(field), content);
         }
         if (end == nullptr)
         {
