@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Tables and plots of what bench/run measured.
 
-usage: bench/report.py [--markdown] [--plots DIR] [FILE]
+usage: bench/report.py [--markdown] [--plots DIR] [--document FILE] [FILE]
 
 Benchmarks are named <message>/<form>/<direction>/<peer>. Every peer is compared with the library repetition by
 repetition; of these ratios (the library's time by the peer's) the median and the quartiles are shown.
@@ -9,6 +9,8 @@ repetition; of these ratios (the library's time by the peer's) the median and th
 
 import argparse
 import collections
+import contextlib
+import io
 import json
 import statistics
 import sys
@@ -168,18 +170,38 @@ def print_verdicts(measured, markdown):
     print_table(f"Promises: {kept} of {len(rows)} kept", header, rows, markdown)
 
 
+def print_tables(measured, markdown):
+    print_library(measured, markdown)
+    print_peers(measured, markdown)
+    print_verdicts(measured, markdown)
+
+
+def write_document(measured, file):
+    """Puts the tables into a document, behind the line that says so."""
+    with open(file, encoding="utf-8") as stream:
+        text, mark, _ = stream.read().partition("<!-- What follows is written by bench/report.py. -->\n")
+    if not mark:
+        sys.exit(f"{file} has no place for the tables")
+    tables = io.StringIO()
+    with contextlib.redirect_stdout(tables):
+        print_tables(measured, True)
+    with open(file, "w", encoding="utf-8") as stream:
+        stream.write(text + mark + tables.getvalue())
+
+
 def main():
     parser = argparse.ArgumentParser(description="Tables and plots of what bench/run measured.")
     parser.add_argument("file", nargs="?", default="build/bench/bench.json")
     parser.add_argument("--markdown", action="store_true", help="print the tables as Markdown")
     parser.add_argument("--plots", metavar="DIR", help="write performance-ratios.svg and performance-growth.svg")
+    parser.add_argument("--document", metavar="FILE", help="put the tables into a Markdown document")
     arguments = parser.parse_args()
     measured = Measured(arguments.file)
-    print_library(measured, arguments.markdown)
-    print_peers(measured, arguments.markdown)
-    print_verdicts(measured, arguments.markdown)
+    print_tables(measured, arguments.markdown)
     if arguments.plots:
         plots.write(measured, arguments.plots)
+    if arguments.document:
+        write_document(measured, arguments.document)
 
 
 if __name__ == "__main__":

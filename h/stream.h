@@ -148,9 +148,10 @@ protected:
     /// Limits a byte count to what is left.
     /// @return whether it had to be cut
     bool cutToLeft(unsigned int& count) const;
-    /// Copies bytes that are known to be there, without consuming them.
-    /// @return how many come before the delimiter, `count` if it is not among them
-    unsigned int copyUpTo(char delim, char* valuePtr, unsigned int count) const;
+    /// Reads bytes up to a delimiter, which stays unread; fail if there are some, but fewer than `count` and the
+    /// delimiter not among them.
+    /// @return how many were read
+    unsigned int takeUpTo(char delim, char* valuePtr, unsigned int count);
 
     unsigned int m_currentReadPosition; ///< index of the next byte to read
 

@@ -10,12 +10,14 @@
 #include <cstring>
 #include <syslog.h>
 
+using bci::codec::BinaryReader;
 using bci::codec::Elements;
 using bci::codec::Field;
 using bci::codec::Fields;
 using bci::codec::Oddity;
 using bci::codec::rows;
 using bci::codec::Subscripts;
+using bci::codec::TextReader;
 using bci::codec::TextWriter;
 using commonStream::istream_binary;
 using commonStream::istream_text;
@@ -64,13 +66,12 @@ constexpr Field kHwLogSetReqRows[] = {
     BCI_FIELD(VornBcHwLogSetReqS, length, "length", 709),
     BCI_FIELD(VornBcHwLogSetReqS, hwLogData, "hwLogData_", 720),
 };
-constexpr Fields kHwLogSetReq = {kSource, kHwLogSetReqRows};
 static_assert(maxTextSize(kHwLogSetReqRows) == 35 + 1780);
 static_assert(binarySize(kHwLogSetReqRows) == sizeof(VornBcHwLogSetReqS));
 
 constexpr std::size_t kSetRowsBeforeEntries = 7;
-constexpr Fields kHwLogSetReqFixed = kHwLogSetReq.part(0, kSetRowsBeforeEntries);
-constexpr Fields kLogEntries = kHwLogSetReq.part(kSetRowsBeforeEntries, 1);
+constexpr Fields kHwLogSetReqFixed = Fields(kSource, kHwLogSetReqRows).part(0, kSetRowsBeforeEntries);
+constexpr Fields kLogEntries = Fields(kSource, kHwLogSetReqRows).part(kSetRowsBeforeEntries, 1);
 constexpr unsigned int kLogSize = sizeof(VornBcHwLogSetReqS::hwLogData);
 constexpr unsigned int kFailBit = 2; // of a stream's status
 
@@ -123,11 +124,10 @@ constexpr Field kHwLogGetCfmRows[] = {
     BCI_FIELD(VornBcHwLogGetCfmS, length, "length", 892),
     BCI_FIELD(VornBcHwLogGetCfmS, hwLogData, "hwLogData_0", 906),
 };
-constexpr Fields kHwLogGetCfm = {kSource, kHwLogGetCfmRows};
 static_assert(maxTextSize(kHwLogGetCfmRows) == 35 + 1707);
 static_assert(binarySize(kHwLogGetCfmRows) == sizeof(VornBcHwLogGetCfmS));
-constexpr Fields kHwLogGetCfmFixed = kHwLogGetCfm.part(0, 4);
-constexpr Fields kHwLogGetCfmEntry = kHwLogGetCfm.part(4, 1);
+constexpr Fields kHwLogGetCfmFixed = Fields(kSource, kHwLogGetCfmRows).part(0, 4);
+constexpr Fields kHwLogGetCfmEntry = Fields(kSource, kHwLogGetCfmRows).part(4, 1);
 
 // For tools.
 constexpr bci::codec::LogEntries kHwLogSetReqEntries = {&kHwLogSetReqFixed.rows.back(),
@@ -184,6 +184,8 @@ unsigned int BciHwLogGetReqMsg::getMaxTextBufferSize()
     return BciMessageBase::getMaxTextBufferSize() + 11;
 }
 
+constexpr Fields bci::kHwLogSetReq = {kSource, kHwLogSetReqRows};
+
 const bci::codec::Shape bci::kHwLogSetReqShape = {"BciHwLogSetReqMsg",
                                                   "VornBcHwLogSetReqS",
                                                   sizeof(VornBcHwLogSetReqS),
@@ -203,7 +205,7 @@ bool BciHwLogSetReqMsg::serializeBciMsgToText(ostream_text& stream) const
 
 bool BciHwLogSetReqMsg::serializeBciMsgToBinary(ostream_binary& stream) const
 {
-    return writeBinary(rows<kHwLogSetReq>, &m_hwLogSetReq, stream);
+    return BCI_CODEC(writeBinary, m_hwLogSetReq, kHwLogSetReq);
 }
 
 bool BciHwLogSetReqMsg::serializeBciMsgToXml(ostream_text& stream) const
@@ -221,7 +223,10 @@ bool BciHwLogSetReqMsg::serializeBciMsgToXml(ostream_text& stream) const
 
 bool BciHwLogSetReqMsg::deserializeBciMsgFromText(istream_text& stream)
 {
-    readText(rows<kHwLogSetReqFixed>, &m_hwLogSetReq, stream);
+    {
+        TextReader in(stream);
+        readText(rows<kHwLogSetReqFixed>, &m_hwLogSetReq, in);
+    }
     // Reading leaves it alone once the stream is not good, so the last entry is stored again and again until
     // the array is full.
     char entry[kLogSize + 1] = "";
@@ -250,7 +255,7 @@ bool BciHwLogSetReqMsg::deserializeBciMsgFromText(istream_text& stream)
 
 bool BciHwLogSetReqMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 {
-    return readBinary(rows<kHwLogSetReq>, &m_hwLogSetReq, stream);
+    return BCI_CODEC(readBinary, m_hwLogSetReq, kHwLogSetReq);
 }
 
 bool BciHwLogSetReqMsg::deserializeBciMsgFromXml(istream_text& stream)
@@ -291,6 +296,8 @@ unsigned int BciHwLogSetReqMsg::getMaxTextBufferSize()
     return BciMessageBase::getMaxTextBufferSize() + 1780;
 }
 
+constexpr Fields bci::kHwLogGetCfm = {kSource, kHwLogGetCfmRows};
+
 const bci::codec::Shape bci::kHwLogGetCfmShape = {"BciHwLogGetCfmMsg",
                                                   "VornBcHwLogGetCfmS",
                                                   sizeof(VornBcHwLogGetCfmS),
@@ -305,13 +312,13 @@ bool BciHwLogGetCfmMsg::serializeBciMsgToText(ostream_text& stream) const
     {
         return bci::reject(LOG_INFO, kSource, 744, "length %u > 1", m_hwLogGetCfm.length);
     }
-    return writeText(rows<kHwLogGetCfm>, &m_hwLogGetCfm, stream);
+    return BCI_CODEC(writeText, m_hwLogGetCfm, kHwLogGetCfm);
 }
 
 // Alone of the six, this one takes any length.
 bool BciHwLogGetCfmMsg::serializeBciMsgToBinary(ostream_binary& stream) const
 {
-    return writeBinary(rows<kHwLogGetCfm>, &m_hwLogGetCfm, stream);
+    return BCI_CODEC(writeBinary, m_hwLogGetCfm, kHwLogGetCfm);
 }
 
 bool BciHwLogGetCfmMsg::serializeBciMsgToXml(ostream_text& stream) const
@@ -320,29 +327,33 @@ bool BciHwLogGetCfmMsg::serializeBciMsgToXml(ostream_text& stream) const
     {
         return bci::reject(LOG_INFO, kSource, 780, "length %u > 1", m_hwLogGetCfm.length);
     }
-    return writeXml(rows<kHwLogGetCfm>, &m_hwLogGetCfm, stream);
+    return BCI_CODEC(writeXml, m_hwLogGetCfm, kHwLogGetCfm);
 }
 
 // The readers' log lines name the size of the array, though what they test is the length against 1.
 
 bool BciHwLogGetCfmMsg::deserializeBciMsgFromText(istream_text& stream)
 {
-    readText(rows<kHwLogGetCfmFixed>, &m_hwLogGetCfm, stream);
+    TextReader in(stream);
+    readText(rows<kHwLogGetCfmFixed>, &m_hwLogGetCfm, in);
     if (m_hwLogGetCfm.length >= 2)
     {
         return bci::reject(LOG_INFO, kSource, 832, "length %u > %u", m_hwLogGetCfm.length, kLogSize);
     }
-    return readText(rows<kHwLogGetCfmEntry>, &m_hwLogGetCfm, stream);
+    readText(rows<kHwLogGetCfmEntry>, &m_hwLogGetCfm, in);
+    return !stream.fail();
 }
 
 bool BciHwLogGetCfmMsg::deserializeBciMsgFromBinary(istream_binary& stream)
 {
-    readBinary(rows<kHwLogGetCfmFixed>, &m_hwLogGetCfm, stream);
+    BinaryReader in(stream);
+    readBinary(rows<kHwLogGetCfmFixed>, &m_hwLogGetCfm, in);
     if (m_hwLogGetCfm.length >= 2)
     {
         return bci::reject(LOG_INFO, kSource, 853, "length %u > %u", m_hwLogGetCfm.length, kLogSize);
     }
-    return readBinary(rows<kHwLogGetCfmEntry>, &m_hwLogGetCfm, stream);
+    readBinary(rows<kHwLogGetCfmEntry>, &m_hwLogGetCfm, in);
+    return !stream.fail();
 }
 
 bool BciHwLogGetCfmMsg::deserializeBciMsgFromXml(istream_text& stream)

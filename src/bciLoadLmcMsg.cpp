@@ -11,11 +11,13 @@
 #include <cstring>
 #include <syslog.h>
 
+using bci::codec::BinaryReader;
 using bci::codec::BinaryWriter;
 using bci::codec::Field;
 using bci::codec::Fields;
 using bci::codec::Oddity;
 using bci::codec::rows;
+using bci::codec::TextReader;
 using bci::codec::TextWriter;
 using commonStream::istream_binary;
 using commonStream::istream_text;
@@ -245,25 +247,32 @@ bool BciLoadLmcData::serializeBciMsgToXml(ostream_text& stream) const
 
 bool BciLoadLmcData::deserializeBciMsgFromText(istream_text& stream)
 {
-    readText(rows<kBeforeBlock>, m_bciMessagePtr, stream);
+    TextReader in(stream);
+    readText(rows<kBeforeBlock>, m_bciMessagePtr, in);
     if (isTooLarge(*m_loadLmcData, 563))
     {
         return false;
     }
-    stream.get(m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize, getDelim());
-    char delimiter;
-    stream >> delimiter;
+    in.through(
+        [this](istream_text& at)
+        {
+            at.get(m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize, getDelim());
+            char delimiter;
+            at >> delimiter;
+        });
     return !stream.fail();
 }
 
 bool BciLoadLmcData::deserializeBciMsgFromBinary(istream_binary& stream)
 {
-    readBinary(rows<kBeforeBlock>, m_bciMessagePtr, stream);
+    BinaryReader in(stream);
+    readBinary(rows<kBeforeBlock>, m_bciMessagePtr, in);
     if (isTooLarge(*m_loadLmcData, 572))
     {
         return false;
     }
-    stream.get(m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize);
+    in.through([this](istream_binary& at)
+               { at.get(m_bciMessagePtr + kBlock.offset, m_loadLmcData->lmBlockSize); });
     return !stream.fail();
 }
 

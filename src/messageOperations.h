@@ -49,17 +49,9 @@
     if (bci::codec::kForSpeed)                                                                                    \
     m_writesThroughStream = 1
 
-// Small is a factory that calls the constructor, fast is one that has it in itself.
-#if BCI_OPTIMIZE_SPEED
-#define BCI_KEEP_ONCE
-#else
-#define BCI_KEEP_ONCE [[gnu::noinline]]
-#endif
-
 // The constructor that all but one of these classes have.
 #define BCI_DEFINE_CONSTRUCTOR(Class, member)                                                                     \
-    BCI_KEEP_ONCE Class::Class(SIGSELECT sigNo)                                                                   \
-        : BciMessageBase(reinterpret_cast<char*>(&(member)), sizeof(member), sigNo)                               \
+    Class::Class(SIGSELECT sigNo) : BciMessageBase(reinterpret_cast<char*>(&(member)), sizeof(member), sigNo)     \
     {                                                                                                             \
         BCI_WRITES_THROUGH_STREAM;                                                                                \
     }

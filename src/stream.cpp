@@ -282,16 +282,24 @@ bool istreambase::cutToLeft(unsigned int& count) const
     return count != wanted;
 }
 
-unsigned int istreambase::copyUpTo(char delim, char* valuePtr, unsigned int count) const
+unsigned int istreambase::takeUpTo(char delim, char* valuePtr, unsigned int count)
 {
-    if (count == 0)
+    const bool cut = cutToLeft(count);
+    unsigned int copied = count;
+    if (count != 0)
     {
-        return 0;
+        const void* const found = std::memchr(next(), delim, count);
+        if (found != nullptr)
+        {
+            copied = static_cast<unsigned int>(static_cast<const char*>(found) - next());
+        }
+        std::copy_n(next(), copied, valuePtr);
     }
-    const void* const found = std::memchr(next(), delim, count);
-    const unsigned int copied =
-        found != nullptr ? static_cast<unsigned int>(static_cast<const char*>(found) - next()) : count;
-    std::copy_n(next(), copied, valuePtr);
+    if (cut && copied != 0 && copied == count)
+    {
+        setfail();
+    }
+    advance(copied);
     return copied;
 }
 
@@ -595,17 +603,10 @@ istream_binary& istream_binary::get(char* valuePtr, unsigned int count)
 
 istream_binary& istream_binary::get(char* valuePtr, unsigned int count, char delim)
 {
-    if (!good())
+    if (good())
     {
-        return *this;
+        takeUpTo(delim, valuePtr, count);
     }
-    const bool cut = cutToLeft(count);
-    const unsigned int copied = copyUpTo(delim, valuePtr, count);
-    if (cut && copied != 0 && copied == count)
-    {
-        setfail();
-    }
-    advance(copied);
     return *this;
 }
 
@@ -844,17 +845,12 @@ istream_text& istream_text::get(char* valuePtr, unsigned int count, char delim)
     {
         return *this;
     }
-    const bool cut = cutToLeft(count);
-    m_lastReadCount = copyUpTo(delim, valuePtr, count);
-    if (count != 0)
+    const bool anything = count != 0 && left() != 0;
+    m_lastReadCount = takeUpTo(delim, valuePtr, count);
+    if (anything)
     {
         valuePtr[m_lastReadCount] = '\0';
-        if (cut && m_lastReadCount == count)
-        {
-            setfail();
-        }
     }
-    advance(m_lastReadCount);
     return *this;
 }
 

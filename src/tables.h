@@ -1,5 +1,5 @@
-// The messages that are a table of rows and nothing more, by number. Their operations hand over the number of
-// their table: on the target its address would cost each of them ten instructions more.
+// Tables that are written or read whole, by number. Operations hand over the number of a table: on the target its
+// address would cost each of them ten instructions more.
 #ifndef BCI_TABLES_H
 #define BCI_TABLES_H
 
@@ -18,7 +18,9 @@ enum class Table : U8
     kGenericRej,
     kGetHwPidCfm,
     kGetVisualIndicationCfm,
+    kHwLogGetCfm,
     kHwLogGetReq,
+    kHwLogSetReq,
     kLoadLmcAck,
     kLoadLmcEndCfm,
     kLoadLmcInitCfm,
@@ -42,7 +44,9 @@ extern const codec::Fields kGeneric;
 extern const codec::Fields kGenericRej;
 extern const codec::Fields kGetHwPidCfm;
 extern const codec::Fields kGetVisualIndicationCfm;
+extern const codec::Fields kHwLogGetCfm;
 extern const codec::Fields kHwLogGetReq;
+extern const codec::Fields kHwLogSetReq;
 extern const codec::Fields kLoadLmcAck;
 extern const codec::Fields kLoadLmcEndCfm;
 extern const codec::Fields kLoadLmcInitCfm;

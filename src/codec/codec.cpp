@@ -124,8 +124,9 @@ void writeTextExactly(const Field& field, const void* structure, ostream_text& s
     piece.put(stream);
 }
 
-void writeText(const Fields& fields, const void* structure, TextWriter& out, unsigned int count)
+void writeTextTable(const Fields& fields, const void* structure, TextWriter::Argument argument, unsigned int count)
 {
+    auto&& out = cursorFor(argument);
     const auto exactly = [](const Field& field, const char* element, unsigned int /*index*/, ostream_text& stream)
     { writeTextExactly(field, element, stream); };
     putText(TableRows(fields, count), static_cast<const char*>(structure), out, exactly);
@@ -146,8 +147,9 @@ void readTextExactly(const Field& field, void* structure, istream_text& stream)
     stream >> delimiter;
 }
 
-void readText(const Fields& fields, void* structure, TextReader& in, unsigned int count)
+void readTextTable(const Fields& fields, void* structure, TextReader::Argument argument, unsigned int count)
 {
+    auto&& in = cursorFor(argument);
     getText(TableRows(fields, count), static_cast<char*>(structure), in,
             [](const Field& field, char* element, istream_text& stream)
             { readTextExactly(field, element, stream); });
@@ -196,8 +198,10 @@ void writeBinaryExactly(const Fields& fields, const void* structure, ostream_bin
                  });
 }
 
-void writeBinary(const Fields& fields, const void* structure, BinaryWriter& out, unsigned int count)
+void writeBinaryTable(const Fields& fields, const void* structure, BinaryWriter::Argument argument,
+                      unsigned int count)
 {
+    auto&& out = cursorFor(argument);
     if (!putBinary(TableRows(fields, count), static_cast<const char*>(structure), out))
     {
         out.through([&](ostream_binary& stream) { writeBinaryExactly(fields, structure, stream, count); });
@@ -231,8 +235,9 @@ void readBinaryExactly(const Fields& fields, void* structure, istream_binary& st
                  });
 }
 
-void readBinary(const Fields& fields, void* structure, BinaryReader& in, unsigned int count)
+void readBinaryTable(const Fields& fields, void* structure, BinaryReader::Argument argument, unsigned int count)
 {
+    auto&& in = cursorFor(argument);
     if (!getBinary(TableRows(fields, count), static_cast<char*>(structure), in))
     {
         in.through([&](istream_binary& stream) { readBinaryExactly(fields, structure, stream, count); });
@@ -250,9 +255,10 @@ void writeXmlExactly(const Field& field, const void* structure, ostream_text& st
     piece.put(stream);
 }
 
-void writeXml(const Fields& fields, const void* structure, TextWriter& out, const Subscripts* subscripts,
-              unsigned int count)
+void writeXmlTable(const Fields& fields, const void* structure, TextWriter::Argument argument,
+                   const Subscripts* subscripts, unsigned int count)
 {
+    auto&& out = cursorFor(argument);
     putXml(TableRows(fields, count), static_cast<const char*>(structure), out, subscripts,
            [subscripts](const Field& field, const char* element, unsigned int index, ostream_text& stream)
            { writeXmlExactly(field, element, stream, subscripts, index); });

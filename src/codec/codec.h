@@ -15,21 +15,46 @@
 namespace bci::codec
 {
 
+// The functions over a table.
+void writeTextTable(const Fields& fields, const void* structure, TextWriter::Argument to, unsigned int count);
+void readTextTable(const Fields& fields, void* structure, TextReader::Argument from, unsigned int count);
+void writeBinaryTable(const Fields& fields, const void* structure, BinaryWriter::Argument to, unsigned int count);
+void readBinaryTable(const Fields& fields, void* structure, BinaryReader::Argument from, unsigned int count);
+void writeXmlTable(const Fields& fields, const void* structure, TextWriter::Argument to,
+                   const Subscripts* subscripts, unsigned int count);
+
 // Every field as a decimal number or its characters up to the first zero, each followed by ':'.
-void writeText(const Fields& fields, const void* structure, TextWriter& out, unsigned int count = 1);
+BCI_ALWAYS_INLINE void writeText(const Fields& fields, const void* structure, TextWriter& out,
+                                 unsigned int count = 1)
+{
+    writeTextTable(fields, structure, out.argument(), count);
+}
 
 // The same read back; whatever character stands behind a field is taken for its delimiter.
-void readText(const Fields& fields, void* structure, TextReader& in, unsigned int count = 1);
+BCI_ALWAYS_INLINE void readText(const Fields& fields, void* structure, TextReader& in, unsigned int count = 1)
+{
+    readTextTable(fields, structure, in.argument(), count);
+}
 
 // Every field at its width, texts whole.
-void writeBinary(const Fields& fields, const void* structure, BinaryWriter& out, unsigned int count = 1);
+BCI_ALWAYS_INLINE void writeBinary(const Fields& fields, const void* structure, BinaryWriter& out,
+                                   unsigned int count = 1)
+{
+    writeBinaryTable(fields, structure, out.argument(), count);
+}
 
 // The same read back.
-void readBinary(const Fields& fields, void* structure, BinaryReader& in, unsigned int count = 1);
+BCI_ALWAYS_INLINE void readBinary(const Fields& fields, void* structure, BinaryReader& in, unsigned int count = 1)
+{
+    readBinaryTable(fields, structure, in.argument(), count);
+}
 
 // Every field as one element. In a list the second index counts on.
-void writeXml(const Fields& fields, const void* structure, TextWriter& out, const Subscripts* subscripts = nullptr,
-              unsigned int count = 1);
+BCI_ALWAYS_INLINE void writeXml(const Fields& fields, const void* structure, TextWriter& out,
+                                const Subscripts* subscripts = nullptr, unsigned int count = 1)
+{
+    writeXmlTable(fields, structure, out.argument(), subscripts, count);
+}
 
 // Looks every field up in the whole document, which ends at its terminating zero. Logs the first element that is
 // missing, and stops there. Returns whether every element was found.
@@ -80,7 +105,7 @@ inline constexpr const Fields& rows = table;
 // A whole message. The results are those of the codec operations.
 
 template <typename Rows>
-bool writeText(const Rows& rows, const void* structure, commonStream::ostream_text& stream)
+BCI_ALWAYS_INLINE bool writeText(const Rows& rows, const void* structure, commonStream::ostream_text& stream)
 {
     TextWriter out(stream);
     writeText(rows, structure, out);
@@ -88,7 +113,7 @@ bool writeText(const Rows& rows, const void* structure, commonStream::ostream_te
 }
 
 template <typename Rows>
-bool readText(const Rows& rows, void* structure, commonStream::istream_text& stream)
+BCI_ALWAYS_INLINE bool readText(const Rows& rows, void* structure, commonStream::istream_text& stream)
 {
     TextReader in(stream);
     readText(rows, structure, in);
@@ -96,7 +121,7 @@ bool readText(const Rows& rows, void* structure, commonStream::istream_text& str
 }
 
 template <typename Rows>
-bool writeBinary(const Rows& rows, const void* structure, commonStream::ostream_binary& stream)
+BCI_ALWAYS_INLINE bool writeBinary(const Rows& rows, const void* structure, commonStream::ostream_binary& stream)
 {
     BinaryWriter out(stream);
     writeBinary(rows, structure, out);
@@ -104,7 +129,7 @@ bool writeBinary(const Rows& rows, const void* structure, commonStream::ostream_
 }
 
 template <typename Rows>
-bool readBinary(const Rows& rows, void* structure, commonStream::istream_binary& stream)
+BCI_ALWAYS_INLINE bool readBinary(const Rows& rows, void* structure, commonStream::istream_binary& stream)
 {
     BinaryReader in(stream);
     readBinary(rows, structure, in);
@@ -112,7 +137,7 @@ bool readBinary(const Rows& rows, void* structure, commonStream::istream_binary&
 }
 
 template <typename Rows>
-bool writeXml(const Rows& rows, const void* structure, commonStream::ostream_text& stream)
+BCI_ALWAYS_INLINE bool writeXml(const Rows& rows, const void* structure, commonStream::ostream_text& stream)
 {
     TextWriter out(stream);
     writeXml(rows, structure, out);
@@ -121,7 +146,7 @@ bool writeXml(const Rows& rows, const void* structure, commonStream::ostream_tex
 
 // The stream itself is not read: its buffer is searched.
 template <typename Rows>
-bool readXml(const Rows& rows, void* structure, commonStream::istream_text& stream)
+BCI_ALWAYS_INLINE bool readXml(const Rows& rows, void* structure, commonStream::istream_text& stream)
 {
     Elements elements(stream);
     return readXml(rows, structure, elements);

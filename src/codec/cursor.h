@@ -87,6 +87,14 @@ template <typename Stream>
 class Cursor
 {
 public:
+    // What a function that is not for one message alone takes in its place.
+    using Argument = Cursor&;
+
+    Argument argument()
+    {
+        return *this;
+    }
+
     using Pointer = decltype(StreamAccess::buffer(std::declval<Stream&>()));
 
     explicit Cursor(Stream& stream) : m_stream(stream)
@@ -166,9 +174,16 @@ template <typename Stream>
 class DirectCursor
 {
 public:
+    using Argument = Stream&;
+
+    BCI_ALWAYS_INLINE Argument argument()
+    {
+        return m_stream;
+    }
+
     using Pointer = decltype(StreamAccess::buffer(std::declval<Stream&>()));
 
-    explicit DirectCursor(Stream& stream) : m_stream(stream) {}
+    BCI_ALWAYS_INLINE explicit DirectCursor(Stream& stream) : m_stream(stream) {}
 
     DirectCursor(const DirectCursor&) = delete;
     DirectCursor& operator=(const DirectCursor&) = delete;
@@ -204,7 +219,7 @@ public:
     }
 
     template <typename Function>
-    void through(Function function)
+    BCI_ALWAYS_INLINE void through(Function function)
     {
         function(m_stream);
     }
@@ -216,24 +231,35 @@ private:
 template <typename Stream>
 using CursorOver = std::conditional_t<kForSpeed, Cursor<Stream>, DirectCursor<Stream>>;
 
+// A cursor for an argument.
+template <typename Stream>
+Cursor<Stream>& cursorFor(Cursor<Stream>& cursor)
+{
+    return cursor;
+}
+
+template <typename Stream>
+BCI_ALWAYS_INLINE DirectCursor<Stream> cursorFor(Stream& stream)
+{
+    return DirectCursor<Stream>(stream);
+}
+
 using TextWriter = CursorOver<commonStream::ostream_text>;
 using TextReader = CursorOver<commonStream::istream_text>;
 using BinaryWriter = CursorOver<commonStream::ostream_binary>;
 using BinaryReader = CursorOver<commonStream::istream_binary>;
 
-// Writes bytes if all of them fit. Returns whether they did; small builds leave them to the stream.
+// Writes bytes if all of them fit. Returns whether they did; small builds leave them to the stream, and so does
+// everyone none at all, which a stream takes note of.
 template <typename Writer>
 bool putBytes(Writer& out, const void* bytes, std::size_t count)
 {
-    if (!kForSpeed || out.left() < count)
+    if (!kForSpeed || count == 0 || out.left() < count)
     {
         return false;
     }
-    if (count != 0)
-    {
-        std::memcpy(out.at(), bytes, count);
-        out.moveTo(out.at() + count);
-    }
+    std::memcpy(out.at(), bytes, count);
+    out.moveTo(out.at() + count);
     return true;
 }
 

@@ -14,6 +14,9 @@ inline constexpr bool kForSpeed = false;
 #define BCI_INLINE inline
 #endif
 
+// For what is smaller in place than as a call, in either case.
+#define BCI_ALWAYS_INLINE [[gnu::always_inline]] inline
+
 } // namespace bci::codec
 
 #endif

@@ -3,9 +3,7 @@
 #include "stream.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstring>
-#include <limits>
 #include <string_view>
 
 namespace bci::codec
@@ -100,14 +98,14 @@ S32 toNumber(const TagContent& content)
     {
         ++at;
     }
-    // The magnitude of the least number, and one more than the greatest.
-    constexpr std::int64_t kLimit = std::int64_t{std::numeric_limits<S32>::max()} + 1;
-    std::int64_t magnitude = 0;
+    const U32 limit = negative ? 0x80000000 : 0x7FFFFFFF;
+    U32 magnitude = 0;
     for (; at != content.end && *at >= '0' && *at <= '9'; ++at)
     {
-        magnitude = std::min(magnitude * 10 + (*at - '0'), kLimit);
+        const U32 digit = static_cast<U32>(*at - '0');
+        magnitude = magnitude > (limit - digit) / 10 ? limit : magnitude * 10 + digit;
     }
-    return static_cast<S32>(negative ? -magnitude : std::min(magnitude, kLimit - 1));
+    return static_cast<S32>(negative ? 0 - magnitude : magnitude);
 }
 
 void copyContent(const TagContent& content, char* to, std::size_t size)

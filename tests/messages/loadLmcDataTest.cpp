@@ -275,6 +275,20 @@ TEST(LoadLmcData, ShortBufferTakesTheBinaryFieldsThatFit)
     }
 }
 
+// An empty block is put all the same: at the end of the buffer that is noticed.
+TEST(LoadLmcData, EmptyBlockBehindAFullBufferEndsTheStream)
+{
+    const auto message = holding<BciLoadLmcData>(structure({0, ""}));
+    char buffer[1];
+    commonStream::ostream_binary stream;
+    stream.attachBuffer(buffer, sizeof buffer);
+    stream.put('x');
+    stream.setgood();
+    EXPECT_TRUE(message->serializeBciMsgToBinary(stream));
+    EXPECT_EQ(stream.status(), 3U);
+    EXPECT_EQ(stream.length(), 1U);
+}
+
 // Reading
 
 TEST(LoadLmcData, TextEndsTheBlockAtTheDelimiterOrTheSize)
