@@ -111,7 +111,8 @@ struct Support
     U16 countAt = counted.rows.empty() ? U16{0} : counted.rows.back().offset;
     U16 list = static_cast<U16>(counted.binarySize + between.binarySize);
     U16 stride = element.binarySize;
-    U16 tail = static_cast<U16>(sizeof(VornBcCapabilityUnionU) - list - bound * stride); // what is left behind it
+    U16 tail = static_cast<U16>(sizeof(VornBcCapabilityUnionU) - list -
+                                std::size_t{bound} * stride); // what is left behind it
 };
 
 constexpr Fields table(std::span<const Field> rows)

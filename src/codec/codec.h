@@ -16,11 +16,13 @@ namespace bci::codec
 {
 
 // The functions over a table.
-void writeTextTable(const Fields& fields, const void* structure, TextWriter::Argument to, unsigned int count);
-void readTextTable(const Fields& fields, void* structure, TextReader::Argument from, unsigned int count);
-void writeBinaryTable(const Fields& fields, const void* structure, BinaryWriter::Argument to, unsigned int count);
-void readBinaryTable(const Fields& fields, void* structure, BinaryReader::Argument from, unsigned int count);
-void writeXmlTable(const Fields& fields, const void* structure, TextWriter::Argument to,
+void writeTextTable(const Fields& fields, const void* structure, TextWriter::Argument argument,
+                    unsigned int count);
+void readTextTable(const Fields& fields, void* structure, TextReader::Argument argument, unsigned int count);
+void writeBinaryTable(const Fields& fields, const void* structure, BinaryWriter::Argument argument,
+                      unsigned int count);
+void readBinaryTable(const Fields& fields, void* structure, BinaryReader::Argument argument, unsigned int count);
+void writeXmlTable(const Fields& fields, const void* structure, TextWriter::Argument argument,
                    const Subscripts* subscripts, unsigned int count);
 
 // Every field as a decimal number or its characters up to the first zero, each followed by ':'.

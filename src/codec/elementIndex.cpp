@@ -3,7 +3,37 @@
 namespace bci::codec
 {
 
-ElementIndex::State ElementIndex::make(const char* document)
+namespace
+{
+
+template <typename Table>
+const char* findIn(const Table& table, const char* document, const char* name, std::size_t size)
+{
+    const U32 hash = nameHash(name, size, false);
+    unsigned int slot = Table::firstSlot(hash);
+    while (const auto* const tag = table.next(slot, hash))
+    {
+        const char* const at = document + tag->place;
+        if (std::strncmp(at, name, size) == 0 && at[size] == '>')
+        {
+            return at + size + 1;
+        }
+    }
+    return nullptr;
+}
+
+template <typename Table>
+const char* firstIn(const Table& table, const char* document, U32 hash)
+{
+    unsigned int slot = Table::firstSlot(hash);
+    const auto* const tag = table.next(slot, hash);
+    return tag != nullptr ? document + tag->place : nullptr;
+}
+
+} // namespace
+
+template <typename Number, unsigned int most>
+typename TagTable<Number, most>::State TagTable<Number, most>::make(const char* document)
 {
     std::memset(m_slots, 0, sizeof m_slots);
     unsigned int count = 0;
@@ -24,7 +54,7 @@ ElementIndex::State ElementIndex::make(const char* document)
         {
             continue;
         }
-        if (count == kMostTags || place > 0xFFFFFFFF)
+        if (count == most || place > 0xFFFFFFFF)
         {
             return State::tooManyTags;
         }
@@ -35,12 +65,13 @@ ElementIndex::State ElementIndex::make(const char* document)
         {
             slot = (slot + 1) % kSlots;
         }
-        m_slots[slot] = static_cast<U8>(count);
+        m_slots[slot] = static_cast<Number>(count);
     }
     return State::made;
 }
 
-bool ElementIndex::isMade(const char* document)
+template <typename Number, unsigned int most>
+bool TagTable<Number, most>::isMade(const char* document)
 {
     if (m_state == State::unmade && document != nullptr)
     {
@@ -49,9 +80,8 @@ bool ElementIndex::isMade(const char* document)
     return m_state == State::made;
 }
 
-// The first tag of a hash from a slot on, which moves behind it. Of several, the first one in the document comes
-// first.
-const ElementIndex::Tag* ElementIndex::next(unsigned int& slot, U32 hash) const
+template <typename Number, unsigned int most>
+const typename TagTable<Number, most>::Tag* TagTable<Number, most>::next(unsigned int& slot, U32 hash) const
 {
     for (; m_slots[slot] != 0; slot = (slot + 1) % kSlots)
     {
@@ -67,34 +97,26 @@ const ElementIndex::Tag* ElementIndex::next(unsigned int& slot, U32 hash) const
 
 bool ElementIndex::find(const char* document, const char* name, std::size_t size, const char*& behind)
 {
-    if (!isMade(document))
+    if (m_few.isMade(document))
     {
-        return false;
+        behind = findIn(m_few, document, name, size);
+        return true;
     }
-    const U32 hash = nameHash(name, size, false);
-    unsigned int slot = hash % kSlots;
-    behind = nullptr;
-    while (const Tag* const tag = next(slot, hash))
+    if (m_many.isMade(document))
     {
-        const char* const at = document + tag->place;
-        if (std::strncmp(at, name, size) == 0 && at[size] == '>')
-        {
-            behind = at + size + 1;
-            break;
-        }
+        behind = findIn(m_many, document, name, size);
+        return true;
     }
-    return true;
+    return false;
 }
 
 const char* ElementIndex::first(const char* document, U32 hash)
 {
-    if (!isMade(document))
+    if (m_few.isMade(document))
     {
-        return nullptr;
+        return firstIn(m_few, document, hash);
     }
-    unsigned int slot = hash % kSlots;
-    const Tag* const tag = next(slot, hash);
-    return tag != nullptr ? document + tag->place : nullptr;
+    return m_many.isMade(document) ? firstIn(m_many, document, hash) : nullptr;
 }
 
 } // namespace bci::codec

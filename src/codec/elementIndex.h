@@ -48,7 +48,47 @@ inline U32 nameHash(const char* name, std::size_t size, bool afterOthers)
     return nameHash(size, *name, last);
 }
 
-// Made with the first question, in one pass.
+// The tags of a document that has no more than so many, made in one pass with the first question.
+template <typename Number, unsigned int most>
+class TagTable
+{
+public:
+    struct Tag
+    {
+        U32 hash;
+        U32 place; // of the name
+    };
+
+    // Returns whether the document's tags are all there.
+    bool isMade(const char* document);
+
+    static unsigned int firstSlot(U32 hash)
+    {
+        return hash % kSlots;
+    }
+
+    // The first tag of a hash from a slot on, which moves behind it; null if there is none. Of several, the first
+    // one in the document comes first.
+    const Tag* next(unsigned int& slot, U32 hash) const;
+
+private:
+    static constexpr unsigned int kSlots = 2 * most;
+
+    enum class State : U8
+    {
+        unmade,
+        made,
+        tooManyTags
+    };
+
+    State make(const char* document);
+
+    State m_state = State::unmade;
+    Number m_slots[kSlots]; // by the hash, or behind: number of the tag + 1, or 0
+    Tag m_tags[most];
+};
+
+// A small table first: most documents have few tags, and clearing it takes its time.
 class ElementIndex
 {
 public:
@@ -60,29 +100,8 @@ public:
     const char* first(const char* document, U32 hash);
 
 private:
-    enum class State : U8
-    {
-        unmade,
-        made,
-        tooManyTags
-    };
-
-    struct Tag
-    {
-        U32 hash;
-        U32 place; // of the name
-    };
-
-    static constexpr unsigned int kMostTags = 128;
-    static constexpr unsigned int kSlots = 256; // a power of two
-
-    bool isMade(const char* document);
-    State make(const char* document);
-    const Tag* next(unsigned int& slot, U32 hash) const;
-
-    State m_state = State::unmade;
-    U8 m_slots[kSlots]; // by the hash, or behind: number of the tag + 1, or 0
-    Tag m_tags[kMostTags];
+    TagTable<U8, 128> m_few;
+    TagTable<U16, 512> m_many; // no message has more elements
 };
 
 // In its stead: a document is searched anew for every name.

@@ -5,6 +5,7 @@
 #include "elementName.h"
 #include "field.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace bci::codec
@@ -52,9 +53,7 @@ private:
 
     static char* put(char* to, const char* text)
     {
-        const std::size_t size = std::strlen(text);
-        std::memcpy(to, text, size);
-        return to + size;
+        return std::copy_n(text, std::strlen(text), to);
     }
 
     const Field& m_field;
