@@ -31,13 +31,22 @@ public:
     /// Frees nothing.
     virtual ~MessageBase();
     /// @name Memory of messages
-    /// It comes from the global operators of the same form and goes back there. Here, so that not every class has
-    /// calls of the C++ library of its own.
+    /// It comes from the global operators of the same form and goes back there; a program's own forms are reached
+    /// by
+    /// `::new`. Here, so that not every class has calls of the C++ library of its own.
     /// @{
     static void* operator new(std::size_t size);
     static void* operator new(std::size_t size, const std::nothrow_t& noThrow) noexcept;
-    static void* operator new(std::size_t size, void* memory) noexcept;
+    template <typename Form>
+    static void* operator new(std::size_t size, Form form)
+    {
+        return ::operator new(size, form);
+    }
     static void operator delete(void* memory) noexcept;
+    static void operator delete(void* memory, const std::nothrow_t& /*noThrow*/) noexcept
+    {
+        operator delete(memory);
+    }
     /// @}
     MessageBase(const MessageBase&) = delete;
     MessageBase& operator=(const MessageBase&) = delete;

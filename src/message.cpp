@@ -18,11 +18,6 @@ MessageBase::~MessageBase() = default;
     return ::operator new(size, noThrow);
 }
 
-void* MessageBase::operator new(std::size_t /*size*/, void* memory) noexcept
-{
-    return memory;
-}
-
 [[gnu::noinline]] void MessageBase::operator delete(void* memory) noexcept
 {
     ::operator delete(memory);

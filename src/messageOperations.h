@@ -61,7 +61,7 @@
 #if BCI_OPTIMIZE_SPEED
 #define BCI_CODEC(operation, member, table) bci::codec::operation(bci::codec::rows<bci::table>, &(member), stream)
 #else
-#define BCI_CODEC(operation, member, table) bci::operation(m_bciMessagePtr, stream, bci::Table::table)
+#define BCI_CODEC(operation, member, table) bci::operation(&(member), stream, bci::Table::table)
 #endif
 
 #define BCI_DEFINE_WRITERS(Class, member, table)                                                                  \

@@ -112,6 +112,11 @@ public:
     {
         return false;
     }
+
+    const char* first(const char* /*document*/, U32 /*hash*/)
+    {
+        return nullptr;
+    }
 };
 
 } // namespace bci::codec

@@ -65,7 +65,6 @@ public:
         m_next = next;
     }
 
-#if BCI_OPTIMIZE_SPEED
     // The first name with a hash in the whole document, which has to be searched from now on; null if there is
     // none, or names repeat.
     const char* first(U32 hash)
@@ -77,7 +76,6 @@ public:
         m_next = nullptr;
         return m_index.first(m_document, hash);
     }
-#endif
 
 private:
     static constexpr std::size_t kReach = 8192; // more than any message takes but those with raw data
