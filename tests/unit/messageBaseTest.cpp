@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
@@ -464,6 +465,168 @@ TEST(MessageHeader, XmlElementsFollowOneAnother)
     EXPECT_EQ(xmlOf(5, -1, 2, 89), "\t<sigNo>\n\t  5\n\t</sigNo>\n"
                                    "\t<clientRef>\n\t  -1\n\t</clientRef>\n"
                                    "\t<serverRef>\n\t  2\n\t</serverRef>\n");
+}
+
+// What an operation finds in the buffer, and what it leaves unwritten
+
+// A message of a user, which looks at its buffer before it writes some characters. It writes through its stream
+// alone if it says so; otherwise some more past it.
+class WritingMessage : public BciMessageBase
+{
+public:
+    WritingMessage(unsigned int count, bool writesThroughStream)
+        : BciMessageBase(nullptr, 0, 1), m_count(count), m_pastTheStream(!writesThroughStream)
+    {
+        if (writesThroughStream)
+        {
+            m_writesThroughStream = 1;
+        }
+    }
+
+    SIGSELECT getSigNo() const override
+    {
+        return 1;
+    }
+
+    VornNodeCommonAddressInfoS getAddressInfo() const override
+    {
+        return {0, 0};
+    }
+
+    unsigned int getMaxBinaryBufferSize() override
+    {
+        return 0;
+    }
+
+    bool serializeBciMsgToText(commonStream::ostream_text& stream) const override
+    {
+        return write(stream);
+    }
+
+    bool serializeBciMsgToBinary(commonStream::ostream_binary& stream) const override
+    {
+        return write(stream);
+    }
+
+    bool serializeBciMsgToXml(commonStream::ostream_text& stream) const override
+    {
+        return write(stream);
+    }
+
+    bool deserializeBciMsgFromText(commonStream::istream_text& /*stream*/) override
+    {
+        return true;
+    }
+
+    bool deserializeBciMsgFromBinary(commonStream::istream_binary& /*stream*/) override
+    {
+        return true;
+    }
+
+    bool deserializeBciMsgFromXml(commonStream::istream_text& /*stream*/) override
+    {
+        return true;
+    }
+
+    unsigned short writesThroughStream() const
+    {
+        return m_writesThroughStream;
+    }
+
+    // What stood in the buffer beforehand.
+    const std::string& found() const
+    {
+        return m_found;
+    }
+
+private:
+    template <typename Stream>
+    bool write(Stream& stream) const
+    {
+        m_found.assign(stream.getBuffer(), stream.getBufferLength());
+        for (unsigned int i = 0; i < m_count; ++i)
+        {
+            stream.put('w');
+        }
+        if (m_pastTheStream && stream.getBufferLength() > m_count + 1)
+        {
+            stream.getBuffer()[stream.getBufferLength() - 1] = 'p';
+        }
+        return true;
+    }
+
+    unsigned int m_count;
+    bool m_pastTheStream;
+    mutable std::string m_found;
+};
+
+using Serialize = bool (BciMessageBase::*)(char*, unsigned int&) const;
+constexpr Serialize kSerialize[] = {&BciMessageBase::serializeToText, &BciMessageBase::serializeToBinary,
+                                    &BciMessageBase::serializeToXml};
+
+// Renders into a buffer of a size that holds rubbish; returns it with two more characters from behind it.
+std::string rendered(const WritingMessage& message, Serialize serialize, unsigned int size, unsigned int count)
+{
+    std::string buffer(size + 2, '#');
+    unsigned int length = size;
+    EXPECT_TRUE((message.*serialize)(buffer.data(), length));
+    EXPECT_EQ(length, std::min(size, count));
+    return buffer;
+}
+
+TEST(MessageBuffer, IsClearedForAMessageThatSaysNothing)
+{
+    EXPECT_EQ(WritingMessage(0, false).writesThroughStream(), 0);
+    for (const Serialize serialize : kSerialize)
+    {
+        for (unsigned int size = 0; size <= 20; ++size)
+        {
+            for (const unsigned int count : {0U, 1U, 5U, 20U})
+            {
+                const WritingMessage message(count, false);
+                std::string expected = std::string(std::min(size, count), 'w');
+                expected.resize(size);
+                if (size > count + 1)
+                {
+                    expected.back() = 'p';
+                }
+                EXPECT_EQ(rendered(message, serialize, size, count), expected + "##") << size << " " << count;
+                EXPECT_EQ(message.found(), std::string(size, '\0'));
+            }
+        }
+    }
+}
+
+TEST(MessageBuffer, IsZeroWhereAMessageThatWritesThroughItsStreamWritesNothing)
+{
+    for (const Serialize serialize : kSerialize)
+    {
+        for (unsigned int size = 0; size <= 30; ++size)
+        {
+            for (unsigned int count = 0; count <= size + 1; ++count)
+            {
+                const WritingMessage message(count, true);
+                std::string expected = std::string(std::min(size, count), 'w');
+                expected.resize(size);
+                EXPECT_EQ(rendered(message, serialize, size, count), expected + "##") << size << " " << count;
+                EXPECT_EQ(message.found(), std::string(size, BCI_OPTIMIZE_SPEED ? '#' : '\0'));
+            }
+        }
+    }
+}
+
+TEST(MessageBuffer, MayBeNull)
+{
+    for (const bool writesThroughStream : {false, true})
+    {
+        const WritingMessage message(3, writesThroughStream);
+        for (const Serialize serialize : kSerialize)
+        {
+            unsigned int length = 10;
+            EXPECT_TRUE((message.*serialize)(nullptr, length));
+            EXPECT_EQ(length, 0U);
+        }
+    }
 }
 
 // Array subscripts
