@@ -47,6 +47,21 @@ public:
     {
         operator delete(memory);
     }
+#ifdef __cpp_aligned_new // what a class that is aligned more than others is allocated with
+    static void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t& noThrow) noexcept
+    {
+        return ::operator new(size, alignment, noThrow);
+    }
+    static void operator delete(void* memory, std::align_val_t alignment) noexcept
+    {
+        ::operator delete(memory, alignment);
+    }
+    static void operator delete(void* memory, std::align_val_t alignment,
+                                const std::nothrow_t& /*noThrow*/) noexcept
+    {
+        ::operator delete(memory, alignment);
+    }
+#endif
     /// @}
     MessageBase(const MessageBase&) = delete;
     MessageBase& operator=(const MessageBase&) = delete;

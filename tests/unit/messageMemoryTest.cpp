@@ -210,6 +210,11 @@ public:
     Message() : BciAuditCfm(1) {}
 };
 
+// More aligned than an ordinary allocation is.
+class alignas(128) AlignedMessage : public Message
+{
+};
+
 class ThrowingMessage : public Message
 {
 public:
@@ -217,6 +222,10 @@ public:
     {
         throw 1; // NOLINT: any exception will do
     }
+};
+
+class alignas(128) AlignedThrowingMessage : public ThrowingMessage
+{
 };
 
 TEST(MessageMemory, IsThatOfThePlainOperators)
@@ -308,6 +317,33 @@ TEST(MessageMemory, IsGivenBackWhereAConstructorThrows)
     ASSERT_GE(withoutThrowing.size(), 2U);
     EXPECT_EQ(withoutThrowing.front().form, Form::nothrow);
     EXPECT_EQ(withoutThrowing.back(), (Call{Form::deleted, withoutThrowing.front().memory, 0, 0}));
+}
+
+TEST(MessageMemory, OfAlignedMessagesIsThatOfTheAlignedOperators)
+{
+    MessageBase* message = nullptr;
+    const Calls made = callsOf([&] { message = new AlignedMessage; });
+    EXPECT_EQ(made, (Calls{{Form::aligned, message, sizeof(AlignedMessage), 128}}));
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(message) % 128, 0U);
+    const void* const memory = message;
+    EXPECT_EQ(callsOf([&] { delete message; }), (Calls{{Form::alignedDeleted, memory, 0, 128}}));
+}
+
+TEST(MessageMemory, OfAlignedMessagesIsThatOfTheAlignedOperatorsThatDoNotThrow)
+{
+    MessageBase* message = nullptr;
+    const Calls made = callsOf([&] { message = new (std::nothrow) AlignedMessage; });
+    EXPECT_EQ(made, (Calls{{Form::alignedNothrow, message, sizeof(AlignedMessage), 128}}));
+    const void* const memory = message;
+    EXPECT_EQ(callsOf([&] { delete message; }), (Calls{{Form::alignedDeleted, memory, 0, 128}}));
+}
+
+TEST(MessageMemory, OfAlignedMessagesIsGivenBackWhereAConstructorThrows)
+{
+    const Calls made = callsOf([] { EXPECT_THROW(new AlignedThrowingMessage, int); });
+    ASSERT_GE(made.size(), 2U);
+    EXPECT_EQ(made.front().form, Form::aligned);
+    EXPECT_EQ(made.back(), (Call{Form::alignedDeleted, made.front().memory, 0, 128}));
 }
 
 } // namespace
