@@ -182,7 +182,8 @@ protected:
     unsigned short m_bciMessageSize; ///< its size in bytes
     /// Not 0 if the operations write through their stream alone, and none looks at what the buffer holds. Then the
     /// entry points clear only what stays unwritten, and not the whole buffer beforehand. 0, unless a derived
-    /// class says otherwise.
+    /// class says otherwise, as the library's own do in builds for speed: what derives from one of these and has a
+    /// writer of its own that looks at the buffer sets it back to 0.
     unsigned short m_writesThroughStream;
 };
 
