@@ -1,122 +1,197 @@
 #include "elementIndex.h"
 
+#include "optimize.h"
+
+#include <algorithm>
+#include <bit>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace bci::codec
 {
 
 namespace
 {
 
-template <typename Table>
-const char* findIn(const Table& table, const char* document, const char* name, std::size_t size)
+constexpr std::size_t kBlock = 64;
+
+// Where a block of characters has '<' or '>': a bit for each, the first one's the lowest.
+inline std::uint64_t bracketsIn(const char* block)
 {
-    const U32 hash = nameHash(name, size, false);
-    unsigned int slot = Table::firstSlot(hash);
-    while (const auto* const tag = table.next(slot, hash))
+    std::uint64_t brackets = 0;
+#ifdef __SSE2__
+    constexpr std::size_t kVector = sizeof(__m128i);
+#pragma GCC unroll 4
+    for (std::size_t i = 0; i < kBlock; i += kVector)
     {
-        const char* const at = document + tag->place;
-        if (std::strncmp(at, name, size) == 0 && at[size] == '>')
-        {
-            return at + size + 1;
-        }
+        // The two differ in one bit.
+        const __m128i characters = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block + i));
+        const __m128i alike = _mm_or_si128(characters, _mm_set1_epi8('<' ^ '>'));
+        const int found = _mm_movemask_epi8(_mm_cmpeq_epi8(alike, _mm_set1_epi8('>')));
+        brackets |= std::uint64_t{static_cast<unsigned int>(found)} << i;
     }
-    return nullptr;
+#else
+    for (std::size_t i = 0; i < kBlock; ++i)
+    {
+        brackets |= std::uint64_t{block[i] == '<' || block[i] == '>'} << i;
+    }
+#endif
+    return brackets;
 }
 
-template <typename Table>
-const char* firstIn(const Table& table, const char* document, U32 hash)
+// Calls a function with the place of every '<' and '>', until it returns false. Returns whether it never did.
+template <typename Function>
+bool forEachBracket(std::string_view document, Function function)
 {
-    unsigned int slot = Table::firstSlot(hash);
-    const auto* const tag = table.next(slot, hash);
-    return tag != nullptr ? document + tag->place : nullptr;
+    char padded[kBlock];
+    const char* text = document.data();
+    std::size_t last = document.size() - kBlock; // block
+    if (document.size() < kBlock)
+    {
+        std::memset(padded, 0, sizeof padded);
+        std::memcpy(padded, text, document.size());
+        text = padded;
+        last = 0;
+    }
+    for (std::size_t at = 0; at < document.size(); at += kBlock)
+    {
+        std::uint64_t brackets;
+        if (at <= last) [[likely]]
+        {
+            brackets = bracketsIn(text + at);
+        }
+        else // begins within the one before
+        {
+            brackets = bracketsIn(text + last) >> (at - last);
+        }
+        for (; brackets != 0; brackets &= brackets - 1)
+        {
+            if (!function(at + static_cast<unsigned int>(std::countr_zero(brackets))))
+            {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 
 } // namespace
 
-template <typename Number, unsigned int most>
-typename TagTable<Number, most>::State TagTable<Number, most>::make(const char* document)
+// By now the number of tags is known, and no more slots than they need are cleared.
+void ElementIndex::fillSlots()
 {
-    std::memset(m_slots, 0, sizeof m_slots);
-    unsigned int count = 0;
-    for (const char* at = document; (at = std::strchr(at, '<')) != nullptr;)
+    const unsigned int slots = std::bit_ceil(2 * m_count);
+    m_mask = slots - 1;
+    std::memset(m_slots, 0, slots * sizeof m_slots[0]);
+    for (unsigned int number = 0; number < m_count; ++number)
     {
-        const char* const name = ++at;
-        if (*name == '/')
-        {
-            continue;
-        }
-        // No name has a '<' in it.
-        while (*at != '>' && *at != '<' && *at != '\0')
-        {
-            ++at;
-        }
-        const auto place = static_cast<std::size_t>(name - document);
-        if (*at != '>' || at == name)
-        {
-            continue;
-        }
-        if (count == most || place > 0xFFFFFFFF)
-        {
-            return State::tooManyTags;
-        }
-        const U32 hash = nameHash(name, static_cast<std::size_t>(at - name), place >= sizeof(std::uint64_t));
-        m_tags[count++] = {hash, static_cast<U32>(place)};
-        unsigned int slot = hash % kSlots;
+        unsigned int slot = m_tags[number].hash & m_mask;
         while (m_slots[slot] != 0)
         {
-            slot = (slot + 1) % kSlots;
+            slot = (slot + 1) & m_mask;
         }
-        m_slots[slot] = static_cast<Number>(count);
+        m_slots[slot] = static_cast<U16>(number + 1);
     }
-    return State::made;
 }
 
-template <typename Number, unsigned int most>
-bool TagTable<Number, most>::isMade(const char* document)
+void ElementIndex::make(std::string_view document)
 {
-    if (m_state == State::unmade && document != nullptr)
+    m_document = document.data();
+    unsigned int count = 0;
+    std::size_t name = 0; // where the last '<' ends; 0 if a '>' has been since
+    const auto passBracket = [&](std::size_t at)
     {
-        m_state = make(document);
+        if (document[at] == '<')
+        {
+            name = at + 1;
+            return true;
+        }
+        const std::size_t place = name;
+        name = 0;
+        if (place == 0 || place == at || document[place] == '/') // no name has a bracket in it
+        {
+            return true;
+        }
+        if (count == kMost || place > 0xFFFFFFFF)
+        {
+            return false;
+        }
+        m_tags[count++] = {nameHash(&document[place], at - place, place >= sizeof(std::uint64_t)),
+                           static_cast<U32>(place)};
+        return true;
+    };
+    if (!forEachBracket(document, passBracket))
+    {
+        m_state = State::tooManyTags;
+        return;
     }
-    return m_state == State::made;
+    m_count = count;
+    m_mask = 0;
+    if (count > kFew)
+    {
+        fillSlots();
+    }
+    m_state = State::made;
 }
 
-template <typename Number, unsigned int most>
-const typename TagTable<Number, most>::Tag* TagTable<Number, most>::next(unsigned int& slot, U32 hash) const
+inline const ElementIndex::Tag* ElementIndex::next(unsigned int& at, U32 hash) const
 {
-    for (; m_slots[slot] != 0; slot = (slot + 1) % kSlots)
+    if (m_mask == 0)
     {
-        const Tag& tag = m_tags[m_slots[slot] - 1];
+        while (at < m_count)
+        {
+            const Tag& tag = m_tags[at++];
+            if (tag.hash == hash)
+            {
+                return &tag;
+            }
+        }
+        return nullptr;
+    }
+    while (const unsigned int number = m_slots[at])
+    {
+        at = (at + 1) & m_mask;
+        const Tag& tag = m_tags[number - 1];
         if (tag.hash == hash)
         {
-            slot = (slot + 1) % kSlots;
             return &tag;
         }
     }
     return nullptr;
 }
 
-bool ElementIndex::find(const char* document, const char* name, std::size_t size, const char*& behind)
+bool ElementIndex::find(const char* name, std::size_t size, const char*& behind) const
 {
-    if (m_few.isMade(document))
+    if (m_state != State::made)
     {
-        behind = findIn(m_few, document, name, size);
-        return true;
+        return false;
     }
-    if (m_many.isMade(document))
+    const U32 hash = nameHash(name, size, false);
+    unsigned int at = hash & m_mask;
+    behind = nullptr;
+    while (const Tag* const tag = next(at, hash))
     {
-        behind = findIn(m_many, document, name, size);
-        return true;
+        const char* const found = m_document + tag->place;
+        if (std::strncmp(found, name, size) == 0 && found[size] == '>')
+        {
+            behind = found + size + 1;
+            break;
+        }
     }
-    return false;
+    return true;
 }
 
-const char* ElementIndex::first(const char* document, U32 hash)
+const char* ElementIndex::first(U32 hash) const
 {
-    if (m_few.isMade(document))
+    if (m_state != State::made)
     {
-        return firstIn(m_few, document, hash);
+        return nullptr;
     }
-    return m_many.isMade(document) ? firstIn(m_many, document, hash) : nullptr;
+    unsigned int at = hash & m_mask;
+    const Tag* const tag = next(at, hash);
+    return tag != nullptr ? m_document + tag->place : nullptr;
 }
 
 } // namespace bci::codec

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 #pragma GCC visibility push(hidden)
 namespace bci::codec
@@ -48,31 +49,32 @@ inline U32 nameHash(const char* name, std::size_t size, bool afterOthers)
     return nameHash(size, *name, last);
 }
 
-// The tags of a document that has no more than so many, made in one pass with the first question.
-template <typename Number, unsigned int most>
-class TagTable
+// The tags of a document, for questions about them. Without a document, or with one that has too many tags to
+// tell, it has no answers.
+class ElementIndex
 {
 public:
+    bool isMade() const
+    {
+        return m_state != State::unmade;
+    }
+
+    // In one pass. The document stays where it is.
+    void make(std::string_view document);
+
+    // Finds the first "<name>"; `behind` receives the place behind it, or null if there is none. Returns false
+    // without an answer.
+    bool find(const char* name, std::size_t size, const char*& behind) const;
+
+    // The first name with a hash, which may be another one's too; null if there is none, or no answer.
+    const char* first(U32 hash) const;
+
+private:
     struct Tag
     {
         U32 hash;
         U32 place; // of the name
     };
-
-    // Returns whether the document's tags are all there.
-    bool isMade(const char* document);
-
-    static unsigned int firstSlot(U32 hash)
-    {
-        return hash % kSlots;
-    }
-
-    // The first tag of a hash from a slot on, which moves behind it; null if there is none. Of several, the first
-    // one in the document comes first.
-    const Tag* next(unsigned int& slot, U32 hash) const;
-
-private:
-    static constexpr unsigned int kSlots = 2 * most;
 
     enum class State : U8
     {
@@ -81,39 +83,41 @@ private:
         tooManyTags
     };
 
-    State make(const char* document);
+    static constexpr unsigned int kMost = 512; // no message has more elements
+    static constexpr unsigned int kMostSlots = 2 * kMost;
+    static constexpr unsigned int kFew = 8; // tags, which are gone through one after another
+
+    void fillSlots();
+
+    // The first tag of a hash from a slot on, or of few from a number on, which moves behind it; null if there is
+    // none. Of several, the first one in the document comes first.
+    const Tag* next(unsigned int& at, U32 hash) const;
 
     State m_state = State::unmade;
-    Number m_slots[kSlots]; // by the hash, or behind: number of the tag + 1, or 0
-    Tag m_tags[most];
-};
-
-// A small table first: most documents have few tags, and clearing it takes its time.
-class ElementIndex
-{
-public:
-    // Finds the first "<name>"; `behind` receives the place behind it, or null if there is none. Returns false if
-    // the document has too many tags to tell.
-    bool find(const char* document, const char* name, std::size_t size, const char*& behind);
-
-    // The first name with a hash, which may be another one's too; null if there is none, or too many tags to tell.
-    const char* first(const char* document, U32 hash);
-
-private:
-    TagTable<U8, 128> m_few;
-    TagTable<U16, 512> m_many; // no message has more elements
+    U32 m_count;
+    U32 m_mask; // of a hash: number of its slot; 0 for few tags, which have none
+    const char* m_document;
+    U16 m_slots[kMostSlots]; // by the hash, or behind: number of the tag + 1, or 0
+    Tag m_tags[kMost];
 };
 
 // In its stead: a document is searched anew for every name.
 class NoIndex
 {
 public:
-    bool find(const char* /*document*/, const char* /*name*/, std::size_t /*size*/, const char*& /*behind*/)
+    bool isMade() const
+    {
+        return true;
+    }
+
+    void make(std::string_view /*document*/) {}
+
+    bool find(const char* /*name*/, std::size_t /*size*/, const char*& /*behind*/) const
     {
         return false;
     }
 
-    const char* first(const char* /*document*/, U32 /*hash*/)
+    const char* first(U32 /*hash*/) const
     {
         return nullptr;
     }

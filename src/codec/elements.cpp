@@ -48,12 +48,40 @@ bool Elements::find(const char* name, std::size_t size, TagContent& content)
     {
         return true;
     }
+    if (!m_index.isMade())
+    {
+        makeIndex();
+    }
     const char* behind;
-    if (m_index.find(m_document, name, size, behind))
+    if (m_index.find(name, size, behind))
     {
         return behind != nullptr && findClosingTag(behind, name, content) != nullptr;
     }
     return findTag(m_document, name, content) != nullptr;
+}
+
+const char* Elements::first(U32 hash)
+{
+    if (m_repeats)
+    {
+        return nullptr;
+    }
+    m_next = nullptr;
+    if (!m_index.isMade()) [[unlikely]]
+    {
+        makeIndex();
+    }
+    return m_index.first(hash);
+}
+
+// There is one of the whole document, however far the end has been looked for.
+void Elements::makeIndex()
+{
+    if (m_document != nullptr)
+    {
+        const char* const end = m_end - m_document < kReach ? m_end : m_end + std::strlen(m_end);
+        m_index.make({m_document, static_cast<std::size_t>(end - m_document)});
+    }
 }
 
 } // namespace bci::codec

@@ -27,7 +27,7 @@ public:
     {
         if (kForSpeed && m_document != nullptr)
         {
-            m_end = m_document + strnlen(m_document, kReach);
+            m_end = m_document + strnlen(m_document, std::size_t{kReach});
         }
     }
 
@@ -67,19 +67,12 @@ public:
 
     // The first name with a hash in the whole document, which has to be searched from now on; null if there is
     // none, or names repeat.
-    const char* first(U32 hash)
-    {
-        if (m_repeats)
-        {
-            return nullptr;
-        }
-        m_next = nullptr;
-        return m_index.first(m_document, hash);
-    }
+    const char* first(U32 hash);
 
 private:
-    static constexpr std::size_t kReach = 8192; // more than any message takes but those with raw data
+    static constexpr std::ptrdiff_t kReach = 8192; // more than any message takes but those with raw data
 
+    void makeIndex();
     bool takeNext(const char* name, std::size_t size, TagContent& content);
 
     const char* m_document;

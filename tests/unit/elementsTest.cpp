@@ -107,6 +107,20 @@ TEST(Elements, OfADocumentThatIsCutAreThoseOfASearch)
     }
 }
 
+TEST(Elements, OfALongDocumentAreFoundToItsEnd)
+{
+    for (const std::size_t size : {8000U, 8191U, 8192U, 8193U, 20000U})
+    {
+        const std::string behind = element("b", "2") + element("a", "3");
+        const std::string value(size - element("a", "").size() - behind.size(), 'x');
+        const std::string document = element("a", value) + behind;
+        ASSERT_EQ(document.size(), size);
+        EXPECT_EQ(found(document, {"a", "b", "c"}), "[" + value + "][2]-");
+        EXPECT_EQ(found(document, {"b", "a"}), "[2][" + value + "]");
+        EXPECT_EQ(found("<d>" + document + "<c>4</c>", {"c", "d", "b"}), "[4]-[2]");
+    }
+}
+
 TEST(Elements, AreNotInANullDocument)
 {
     istream_text stream;
