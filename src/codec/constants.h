@@ -322,14 +322,16 @@ BCI_INLINE const char* getRest(const char* from, const char* end, char* structur
         copyContent({from, behind}, structure + F::offset, F::size);
         return behind + kClosing;
     }
-    const bool negative = *from == '-'; // the zero that ends the document is behind it at the latest
-    if (negative)
+    constexpr bool kSigned = F::kind == Kind::s16 || F::kind == Kind::s32;
+    const bool negative = kSigned && *from == '-'; // the zero that ends the document is behind it at the latest
+    if (negative) [[unlikely]]
     {
         ++from;
     }
     U32 magnitude;
     const char* const behind = getDigits(from, magnitude);
-    if (behind == from || behind - from > 9 || end - behind < kClosing || !Closing::stands(behind, subscripts))
+    if (static_cast<std::size_t>(behind - from - 1) >= 9 || end - behind < kClosing ||
+        !Closing::stands(behind, subscripts))
     {
         return nullptr;
     }
@@ -348,7 +350,7 @@ BCI_INLINE bool opensAt(const char* from, const char* end, const Subscripts& sub
 // Reads the first element of a name in a document of another order. False, with nothing read, for any that is not
 // as the writers write it.
 template <typename F, bool indexed>
-[[gnu::noinline]] bool takeFirst(char* structure, Elements& elements, const Subscripts& subscripts)
+BCI_INLINE bool takeFirst(char* structure, Elements& elements, const Subscripts& subscripts)
 {
     using Opening = TextBlock<F, true, indexed>;
     const char* const name = elements.first(Opening::hash(subscripts));
@@ -361,38 +363,51 @@ template <typename F, bool indexed>
            getRest<F, indexed>(from + Opening::kSize, elements.end(), structure, subscripts) != nullptr;
 }
 
-// Reads an element that comes next, or else the first of its name.
+// Reads an element that begins here. Returns the place behind it; null, with nothing read, for any that is not as
+// the writers write it.
 template <typename F, bool indexed>
-BCI_INLINE bool takeElement(char* structure, Elements& elements, const Subscripts& subscripts)
+BCI_INLINE const char* takeNext(const char* next, const char* end, char* structure, const Subscripts& subscripts)
 {
-    const char* const next = elements.next();
-    if (next != nullptr && opensAt<F, indexed>(next, elements.end(), subscripts)) [[likely]]
+    if (!opensAt<F, indexed>(next, end, subscripts)) [[unlikely]]
     {
-        const char* const behind =
-            getRest<F, indexed>(next + TextBlock<F, true, indexed>::kSize, elements.end(), structure, subscripts);
-        if (behind == nullptr) [[unlikely]]
-        {
-            return false;
-        }
-        elements.passTo(behind);
-        return true;
+        return nullptr;
     }
-    return takeFirst<F, indexed>(structure, elements, subscripts);
+    return getRest<F, indexed>(next + TextBlock<F, true, indexed>::kSize, end, structure, subscripts);
+}
+
+// Reads an element that is not the next one, or not as the writers write it.
+template <const Fields& table, typename F, bool indexed>
+[[gnu::noinline]] bool readElsewhere(char* structure, Elements& elements, const Subscripts& subscripts)
+{
+    return (!opensAt<F, indexed>(elements.next(), elements.end(), subscripts) &&
+            takeFirst<F, indexed>(structure, elements, subscripts)) ||
+           readXml(table, F::row, structure, elements, indexed ? &subscripts : nullptr);
 }
 
 template <const Fields& table, bool indexed>
 bool readXmlRows(char* structure, Elements& elements, const Subscripts& subscripts)
 {
-    return [&]<std::size_t... index>(std::index_sequence<index...>)
+    const char* const end = elements.end();
+    const char* next = elements.next();
+    return [&]<std::size_t... index>(std::index_sequence<index...>) __attribute__((always_inline))
     {
-        return (
-            [&]<typename F>(F /*field*/)
+        return ([&]<typename F>(F /*field*/) __attribute__((always_inline)) {
+            if (F::oddity == Oddity::notReadFromXml)
             {
-                return F::oddity == Oddity::notReadFromXml ||
-                       takeElement<F, indexed>(structure, elements, subscripts) ||
-                       readXml(table, F::row, structure, elements, indexed ? &subscripts : nullptr);
-            }(ConstantField<table, index>()) &&
-            ...);
+                return true;
+            }
+            const char* const behind = takeNext<F, indexed>(next, end, structure, subscripts);
+            if (behind == nullptr) [[unlikely]]
+            {
+                const bool found = readElsewhere<table, F, indexed>(structure, elements, subscripts);
+                next = elements.next();
+                return found;
+            }
+            elements.passTo(behind);
+            next = behind;
+            return true;
+        }(ConstantField<table, index>()) &&
+                ...);
     }
     (std::make_index_sequence<table.rows.size()>());
 }

@@ -132,9 +132,9 @@ inline U32 digitOf(char ch)
 inline const char* getDigits(const char* from, U32& number)
 {
     number = 0;
-    for (; isDigit(*from); ++from)
+    for (U32 digit; (digit = static_cast<unsigned char>(*from) - U32{'0'}) < 10; ++from)
     {
-        number = number * 10 + digitOf(*from);
+        number = number * 10 + digit;
     }
     return from;
 }

@@ -46,11 +46,11 @@ public:
     // Returns whether there is such an element.
     bool find(const char* name, std::size_t size, TagContent& content);
 
-    // For who looks at the elements himself: where the next one begins, null if there may be others of its name in
-    // front of it.
+    // For who looks at the elements himself: where the next one begins, the end if there may be others of its name
+    // in front of it.
     const char* next() const
     {
-        return m_repeats ? nullptr : m_next;
+        return m_repeats || m_next == nullptr ? m_end : m_next;
     }
 
     // The end of the document, or of as much of it as is worth looking at so.
