@@ -26,7 +26,7 @@ static_assert(binarySize(kAuditCfmRows) == 14);
 constexpr Fields bci::kAuditCfm = {"bciAuditMsg", kAuditCfmRows};
 
 const bci::codec::Shape bci::kAuditCfmShape = {
-    "BciAuditCfm", "VornBcAuditCfmS", sizeof(VornBcAuditCfmS), {kAuditCfmRows}};
+    "BciAuditCfm", "VornBcAuditCfmS", sizeof(VornBcAuditCfmS), {kAuditCfmRows}, bci::kAuditCfm.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciAuditCfm, m_auditCfm)
 BCI_DEFINE_MESSAGE(BciAuditCfm, m_auditCfm)

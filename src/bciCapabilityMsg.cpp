@@ -340,7 +340,7 @@ constexpr Part kConfirmFurther[] = {&kList};
 } // namespace
 
 const bci::codec::Shape bci::kCapabilityCfmShape = {
-    "BciCapabilityCfmMsg", "VornBcGetCapabilitiesCfmS", kSize, {kConfirmRows, kConfirmFurther}};
+    "BciCapabilityCfmMsg", "VornBcGetCapabilitiesCfmS", kSize, {kConfirmRows, kConfirmFurther}, kSource};
 
 BciCapabilityCfmMsg::BciCapabilityCfmMsg(SIGSELECT sigNo)
     : BciMessageBase(nullptr, kSize, sigNo),

@@ -29,7 +29,8 @@ static_assert(binarySize(kGenericRejRows) == sizeof(GenericRejMsgS));
 
 constexpr Fields bci::kGeneric = {"bciCommonMsg", kGenericRows};
 
-const bci::codec::Shape bci::kGenericShape = {"BciGenericMsg", "GenericMsgS", sizeof(GenericMsgS), {kGenericRows}};
+const bci::codec::Shape bci::kGenericShape = {
+    "BciGenericMsg", "GenericMsgS", sizeof(GenericMsgS), {kGenericRows}, bci::kGeneric.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciGenericMsg, m_genericMsg)
 BCI_DEFINE_MESSAGE(BciGenericMsg, m_genericMsg)
@@ -43,7 +44,7 @@ unsigned int BciGenericMsg::getMaxTextBufferSize()
 constexpr Fields bci::kGenericRej = {"bciCommonMsg", kGenericRejRows};
 
 const bci::codec::Shape bci::kGenericRejShape = {
-    "BciGenericRejMsg", "GenericRejMsgS", sizeof(GenericRejMsgS), {kGenericRejRows}};
+    "BciGenericRejMsg", "GenericRejMsgS", sizeof(GenericRejMsgS), {kGenericRejRows}, bci::kGenericRej.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciGenericRejMsg, m_genericRejMsg)
 BCI_DEFINE_MESSAGE(BciGenericRejMsg, m_genericRejMsg)

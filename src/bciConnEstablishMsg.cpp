@@ -33,8 +33,11 @@ static_assert(binarySize(kConnEstRejRows) == sizeof(VornBcConnEstablishRejS));
 
 constexpr Fields bci::kConnEstReq = {"bciConnEstablishMsg", kConnEstReqRows};
 
-const bci::codec::Shape bci::kConnEstReqShape = {
-    "BciConnEstReq", "VornBcConnEstablishReqS", sizeof(VornBcConnEstablishReqS), {kConnEstReqRows}};
+const bci::codec::Shape bci::kConnEstReqShape = {"BciConnEstReq",
+                                                 "VornBcConnEstablishReqS",
+                                                 sizeof(VornBcConnEstablishReqS),
+                                                 {kConnEstReqRows},
+                                                 bci::kConnEstReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciConnEstReq, m_connEstReq)
 BCI_DEFINE_MESSAGE(BciConnEstReq, m_connEstReq)
@@ -47,8 +50,11 @@ unsigned int BciConnEstReq::getMaxTextBufferSize()
 
 constexpr Fields bci::kConnEstRej = {"bciConnEstablishMsg", kConnEstRejRows};
 
-const bci::codec::Shape bci::kConnEstRejShape = {
-    "BciConnEstRej", "VornBcConnEstablishRejS", sizeof(VornBcConnEstablishRejS), {kConnEstRejRows}};
+const bci::codec::Shape bci::kConnEstRejShape = {"BciConnEstRej",
+                                                 "VornBcConnEstablishRejS",
+                                                 sizeof(VornBcConnEstablishRejS),
+                                                 {kConnEstRejRows},
+                                                 bci::kConnEstRej.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciConnEstRej, m_ConnEstRej)
 BCI_DEFINE_MESSAGE(BciConnEstRej, m_ConnEstRej)

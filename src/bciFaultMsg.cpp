@@ -40,10 +40,9 @@ struct Layout
 {
     Fields counted;
     Fields padding;
-    Fields word;      // its offset counts from the word itself
-    U16 words;        // where the words begin, in bytes
-    U16 reach;        // words from there to the end of the structure
-    bool ownWordLine; // the log line of a missing word has a wording of its own
+    Fields word; // its offset counts from the word itself
+    U16 words;   // where the words begin, in bytes
+    U16 reach;   // words from there to the end of the structure
     Fields faultCase;
 };
 
@@ -72,7 +71,6 @@ constexpr Layout kIndication = {
     .word = {kSource, kIndicationWordRow},
     .words = offsetof(VornBcFaultIndS, additionalData),
     .reach = reach<VornBcFaultIndS>(),
-    .ownWordLine = false,
     .faultCase = kIndicationFields.part(9, 1),
 };
 // getMaxBinaryBufferSize() counts the alignment bytes too, which the forms do not carry.
@@ -85,14 +83,13 @@ constexpr Field kCeaseRows[] = {
     BCI_FIELD(VornBcFaultceaseIndS, faultCase, "faultCase", 568),
 };
 constexpr Fields kCeaseFields = {kSource, kCeaseRows};
-constexpr Field kCeaseWordRow[] = {bci::codec::makeField<U16>(0, "additionalData_", 560)};
+constexpr Field kCeaseWordRow[] = {bci::codec::makeField<U16>(0, "additionalData_", 560, Oddity::ownLogLine)};
 constexpr Layout kCease = {
     .counted = kCeaseFields.part(0, 5),
     .padding = kCeaseFields.part(5, 0),
     .word = {kSource, kCeaseWordRow},
     .words = offsetof(VornBcFaultceaseIndS, additionalData),
     .reach = reach<VornBcFaultceaseIndS>(),
-    .ownWordLine = true,
     .faultCase = kCeaseFields.part(5, 1),
 };
 static_assert(binarySize(kCeaseRows) + kMaxWords * sizeof(U16) == 26);
@@ -225,7 +222,7 @@ bool readWordXml(const Layout& layout, char* message, Elements& elements, unsign
     TagContent content;
     if (!elements.find(name.text(), name.size(), content))
     {
-        if (layout.ownWordLine)
+        if (layout.word.rows.front().oddity == Oddity::ownLogLine)
         {
             // The offset is where the lookup gave up.
             syslog(LOG_INFO, "[src/bciFaultMsg:560] additional data tag not found, i %d offset %d tag %s",
@@ -286,7 +283,8 @@ constexpr Part kCeaseFurther[] = {&kCeaseWords, kCease.faultCase.rows};
 const bci::codec::Shape bci::kFaultIndicationShape = {"BciFaultIndication",
                                                       "VornBcFaultIndS",
                                                       sizeof(VornBcFaultIndS),
-                                                      {kIndicationFields.part(0, 9).rows, kIndicationFurther}};
+                                                      {kIndicationFields.part(0, 9).rows, kIndicationFurther},
+                                                      kSource};
 
 BCI_DEFINE_CONSTRUCTOR(BciFaultIndication, m_faultIndication)
 BCI_DEFINE_MESSAGE(BciFaultIndication, m_faultIndication)
@@ -331,7 +329,8 @@ bool BciFaultIndication::deserializeBciMsgFromXml(istream_text& stream)
 const bci::codec::Shape bci::kFaultCeaseIndicationShape = {"BciFaultCeaseIndication",
                                                            "VornBcFaultceaseIndS",
                                                            sizeof(VornBcFaultceaseIndS),
-                                                           {kCease.counted.rows, kCeaseFurther}};
+                                                           {kCease.counted.rows, kCeaseFurther},
+                                                           kSource};
 
 BCI_DEFINE_CONSTRUCTOR(BciFaultCeaseIndication, m_faultCeaseIndication)
 BCI_DEFINE_MESSAGE(BciFaultCeaseIndication, m_faultCeaseIndication)

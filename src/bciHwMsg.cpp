@@ -140,8 +140,11 @@ constexpr bci::codec::Part kHwLogGetCfmFurther[] = {&kHwLogGetCfmLength, kHwLogG
 
 constexpr Fields bci::kGetHwPidCfm = {kSource, kGetHwPidCfmRows};
 
-const bci::codec::Shape bci::kGetHwPidCfmShape = {
-    "BciGetHwPidCfmMsg", "VornBcGetHwPidCfmS", sizeof(VornBcGetHwPidCfmS), {kGetHwPidCfmRows}};
+const bci::codec::Shape bci::kGetHwPidCfmShape = {"BciGetHwPidCfmMsg",
+                                                  "VornBcGetHwPidCfmS",
+                                                  sizeof(VornBcGetHwPidCfmS),
+                                                  {kGetHwPidCfmRows},
+                                                  bci::kGetHwPidCfm.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciGetHwPidCfmMsg, m_getHwPidCfm)
 BCI_DEFINE_MESSAGE(BciGetHwPidCfmMsg, m_getHwPidCfm)
@@ -172,8 +175,11 @@ unsigned int BciGetHwPidCfmMsg::getMaxTextBufferSize()
 
 constexpr Fields bci::kHwLogGetReq = {kSource, kHwLogGetReqRows};
 
-const bci::codec::Shape bci::kHwLogGetReqShape = {
-    "BciHwLogGetReqMsg", "VornBcHwLogGetReqS", sizeof(VornBcHwLogGetReqS), {kHwLogGetReqRows}};
+const bci::codec::Shape bci::kHwLogGetReqShape = {"BciHwLogGetReqMsg",
+                                                  "VornBcHwLogGetReqS",
+                                                  sizeof(VornBcHwLogGetReqS),
+                                                  {kHwLogGetReqRows},
+                                                  bci::kHwLogGetReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciHwLogGetReqMsg, m_hwLogGetReq)
 BCI_DEFINE_MESSAGE(BciHwLogGetReqMsg, m_hwLogGetReq)
@@ -189,7 +195,8 @@ constexpr Fields bci::kHwLogSetReq = {kSource, kHwLogSetReqRows};
 const bci::codec::Shape bci::kHwLogSetReqShape = {"BciHwLogSetReqMsg",
                                                   "VornBcHwLogSetReqS",
                                                   sizeof(VornBcHwLogSetReqS),
-                                                  {kHwLogSetReqFixed.rows, kHwLogSetReqFurther}};
+                                                  {kHwLogSetReqFixed.rows, kHwLogSetReqFurther},
+                                                  bci::kHwLogSetReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciHwLogSetReqMsg, m_hwLogSetReq)
 BCI_DEFINE_MESSAGE(BciHwLogSetReqMsg, m_hwLogSetReq)
@@ -301,7 +308,8 @@ constexpr Fields bci::kHwLogGetCfm = {kSource, kHwLogGetCfmRows};
 const bci::codec::Shape bci::kHwLogGetCfmShape = {"BciHwLogGetCfmMsg",
                                                   "VornBcHwLogGetCfmS",
                                                   sizeof(VornBcHwLogGetCfmS),
-                                                  {kHwLogGetCfmFixed.rows, kHwLogGetCfmFurther}};
+                                                  {kHwLogGetCfmFixed.rows, kHwLogGetCfmFurther},
+                                                  bci::kHwLogGetCfm.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciHwLogGetCfmMsg, m_hwLogGetCfm)
 BCI_DEFINE_MESSAGE(BciHwLogGetCfmMsg, m_hwLogGetCfm)

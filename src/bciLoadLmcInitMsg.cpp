@@ -27,8 +27,11 @@ static_assert(binarySize(kLoadLmcInitCfmRows) == 14);
 
 constexpr Fields bci::kLoadLmcInitReq = {"bciLoadLmcInitMsg", kLoadLmcInitReqRows};
 
-const bci::codec::Shape bci::kLoadLmcInitReqShape = {
-    "BciLoadLmcInitReq", "VornBcLoadLmcInitReqS", sizeof(VornBcLoadLmcInitReqS), {kLoadLmcInitReqRows}};
+const bci::codec::Shape bci::kLoadLmcInitReqShape = {"BciLoadLmcInitReq",
+                                                     "VornBcLoadLmcInitReqS",
+                                                     sizeof(VornBcLoadLmcInitReqS),
+                                                     {kLoadLmcInitReqRows},
+                                                     bci::kLoadLmcInitReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcInitReq, m_loadLmcInitReq)
 BCI_DEFINE_MESSAGE(BciLoadLmcInitReq, m_loadLmcInitReq)
@@ -42,8 +45,11 @@ unsigned int BciLoadLmcInitReq::getMaxTextBufferSize()
 
 constexpr Fields bci::kLoadLmcInitCfm = {"bciLoadLmcInitMsg", kLoadLmcInitCfmRows};
 
-const bci::codec::Shape bci::kLoadLmcInitCfmShape = {
-    "BciLoadLmcInitCfm", "VornBcLoadLmcInitCfmS", sizeof(VornBcLoadLmcInitCfmS), {kLoadLmcInitCfmRows}};
+const bci::codec::Shape bci::kLoadLmcInitCfmShape = {"BciLoadLmcInitCfm",
+                                                     "VornBcLoadLmcInitCfmS",
+                                                     sizeof(VornBcLoadLmcInitCfmS),
+                                                     {kLoadLmcInitCfmRows},
+                                                     bci::kLoadLmcInitCfm.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcInitCfm, m_loadLmcInitCfm)
 BCI_DEFINE_MESSAGE(BciLoadLmcInitCfm, m_loadLmcInitCfm)

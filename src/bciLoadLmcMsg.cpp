@@ -105,7 +105,7 @@ constexpr bci::codec::Part kLoadLmcDataFurther[] = {&kDataBlock};
 constexpr Fields bci::kLoadLmcReq = {"bciLoadLmcMsg", kLoadLmcReqRows};
 
 const bci::codec::Shape bci::kLoadLmcReqShape = {
-    "BciLoadLmcReq", "VornBcLoadLmcReqS", sizeof(VornBcLoadLmcReqS), {kLoadLmcReqRows}};
+    "BciLoadLmcReq", "VornBcLoadLmcReqS", sizeof(VornBcLoadLmcReqS), {kLoadLmcReqRows}, bci::kLoadLmcReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcReq, m_loadLmcReq)
 BCI_DEFINE_MESSAGE(BciLoadLmcReq, m_loadLmcReq)
@@ -119,7 +119,7 @@ unsigned int BciLoadLmcReq::getMaxTextBufferSize()
 constexpr Fields bci::kLoadLmcAck = {"bciLoadLmcMsg", kLoadLmcAckRows};
 
 const bci::codec::Shape bci::kLoadLmcAckShape = {
-    "BciLoadLmcAck", "VornBcLoadLmcAckS", sizeof(VornBcLoadLmcAckS), {kLoadLmcAckRows}};
+    "BciLoadLmcAck", "VornBcLoadLmcAckS", sizeof(VornBcLoadLmcAckS), {kLoadLmcAckRows}, bci::kLoadLmcAck.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcAck, m_loadLmcAck)
 BCI_DEFINE_MESSAGE(BciLoadLmcAck, m_loadLmcAck)
@@ -132,8 +132,11 @@ unsigned int BciLoadLmcAck::getMaxTextBufferSize()
 
 constexpr Fields bci::kLoadLmcEndCfm = {"bciLoadLmcMsg", kLoadLmcEndCfmRows};
 
-const bci::codec::Shape bci::kLoadLmcEndCfmShape = {
-    "BciLoadLmcEndCfm", "VornBcLoadLmcEndCfmS", sizeof(VornBcLoadLmcEndCfmS), {kLoadLmcEndCfmRows}};
+const bci::codec::Shape bci::kLoadLmcEndCfmShape = {"BciLoadLmcEndCfm",
+                                                    "VornBcLoadLmcEndCfmS",
+                                                    sizeof(VornBcLoadLmcEndCfmS),
+                                                    {kLoadLmcEndCfmRows},
+                                                    bci::kLoadLmcEndCfm.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciLoadLmcEndCfm, m_loadLmcEndCfm)
 BCI_DEFINE_MESSAGE(BciLoadLmcEndCfm, m_loadLmcEndCfm)
@@ -146,8 +149,11 @@ unsigned int BciLoadLmcEndCfm::getMaxTextBufferSize()
 
 constexpr Fields bci::kSelectLmcReq = {"bciLoadLmcMsg", kSelectLmcReqRows};
 
-const bci::codec::Shape bci::kSelectLmcReqShape = {
-    "BciSelectLmcReq", "VornBcSelectLmcReqS", sizeof(VornBcSelectLmcReqS), {kSelectLmcReqRows}};
+const bci::codec::Shape bci::kSelectLmcReqShape = {"BciSelectLmcReq",
+                                                   "VornBcSelectLmcReqS",
+                                                   sizeof(VornBcSelectLmcReqS),
+                                                   {kSelectLmcReqRows},
+                                                   bci::kSelectLmcReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciSelectLmcReq, m_selectLmcReq)
 BCI_DEFINE_MESSAGE(BciSelectLmcReq, m_selectLmcReq)
@@ -159,8 +165,11 @@ unsigned int BciSelectLmcReq::getMaxTextBufferSize()
     return (BciMessageBase::getMaxTextBufferSize() & 0xFF) + 180;
 }
 
-const bci::codec::Shape bci::kLoadLmcDataShape = {
-    "BciLoadLmcData", "VornBcLoadLmcDataS", kDataSize, {kBeforeBlock.rows, kLoadLmcDataFurther}};
+const bci::codec::Shape bci::kLoadLmcDataShape = {"BciLoadLmcData",
+                                                  "VornBcLoadLmcDataS",
+                                                  kDataSize,
+                                                  {kBeforeBlock.rows, kLoadLmcDataFurther},
+                                                  kLoadLmcData.source};
 
 // One byte more is for the zero that the text reader puts behind a full block.
 BciLoadLmcData::BciLoadLmcData(SIGSELECT sigNo)

@@ -27,8 +27,11 @@ static_assert(binarySize(kMaintStateIndRows) == sizeof(VornBcMaintStateIndS));
 
 constexpr Fields bci::kSetMaintStateReq = {"bciMaintStateMsg", kSetMaintStateReqRows};
 
-const bci::codec::Shape bci::kSetMaintStateReqShape = {
-    "BciSetMaintStateReq", "VornBcSetMaintStateReqS", sizeof(VornBcSetMaintStateReqS), {kSetMaintStateReqRows}};
+const bci::codec::Shape bci::kSetMaintStateReqShape = {"BciSetMaintStateReq",
+                                                       "VornBcSetMaintStateReqS",
+                                                       sizeof(VornBcSetMaintStateReqS),
+                                                       {kSetMaintStateReqRows},
+                                                       bci::kSetMaintStateReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciSetMaintStateReq, m_setMaintStateReq)
 BCI_DEFINE_MESSAGE(BciSetMaintStateReq, m_setMaintStateReq)
@@ -41,8 +44,11 @@ unsigned int BciSetMaintStateReq::getMaxTextBufferSize()
 
 constexpr Fields bci::kMaintStateInd = {"bciMaintStateMsg", kMaintStateIndRows};
 
-const bci::codec::Shape bci::kMaintStateIndShape = {
-    "BciMaintStateInd", "VornBcMaintStateIndS", sizeof(VornBcMaintStateIndS), {kMaintStateIndRows}};
+const bci::codec::Shape bci::kMaintStateIndShape = {"BciMaintStateInd",
+                                                    "VornBcMaintStateIndS",
+                                                    sizeof(VornBcMaintStateIndS),
+                                                    {kMaintStateIndRows},
+                                                    bci::kMaintStateInd.source};
 
 // Alone of all messages, this one stores its number.
 BciMaintStateInd::BciMaintStateInd(SIGSELECT sigNo)

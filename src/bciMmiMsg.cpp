@@ -20,8 +20,11 @@ static_assert(binarySize(kSelectMmiReqRows) == sizeof(VornBcSelectMmiReqS));
 
 constexpr Fields bci::kSelectMmiReq = {"bciMmiMsg", kSelectMmiReqRows};
 
-const bci::codec::Shape bci::kSelectMmiReqShape = {
-    "BciSelectMmiReq", "VornBcSelectMmiReqS", sizeof(VornBcSelectMmiReqS), {kSelectMmiReqRows}};
+const bci::codec::Shape bci::kSelectMmiReqShape = {"BciSelectMmiReq",
+                                                   "VornBcSelectMmiReqS",
+                                                   sizeof(VornBcSelectMmiReqS),
+                                                   {kSelectMmiReqRows},
+                                                   bci::kSelectMmiReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciSelectMmiReq, m_selectMmiReq)
 BCI_DEFINE_MESSAGE(BciSelectMmiReq, m_selectMmiReq)

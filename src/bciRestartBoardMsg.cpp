@@ -21,8 +21,11 @@ static_assert(binarySize(kRestartBoardFwdRows) == 150);
 
 constexpr Fields bci::kRestartBoardFwd = {"bciRestartBoardMsg", kRestartBoardFwdRows};
 
-const bci::codec::Shape bci::kRestartBoardFwdShape = {
-    "BciRestartBoardFwdMsg", "VornBcRestartBoardFwdS", sizeof(VornBcRestartBoardFwdS), {kRestartBoardFwdRows}};
+const bci::codec::Shape bci::kRestartBoardFwdShape = {"BciRestartBoardFwdMsg",
+                                                      "VornBcRestartBoardFwdS",
+                                                      sizeof(VornBcRestartBoardFwdS),
+                                                      {kRestartBoardFwdRows},
+                                                      bci::kRestartBoardFwd.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciRestartBoardFwdMsg, m_bciRestartBoardFwdMsg)
 BCI_DEFINE_MESSAGE(BciRestartBoardFwdMsg, m_bciRestartBoardFwdMsg)

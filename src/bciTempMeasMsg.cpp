@@ -21,8 +21,11 @@ static_assert(binarySize(kTempMeasStartReqRows) == 13);
 
 constexpr Fields bci::kTempMeasStartReq = {"bciTempMeasMsg", kTempMeasStartReqRows};
 
-const bci::codec::Shape bci::kTempMeasStartReqShape = {
-    "BciTempMeasStartReq", "VornBcTempMeasStartReqS", sizeof(VornBcTempMeasStartReqS), {kTempMeasStartReqRows}};
+const bci::codec::Shape bci::kTempMeasStartReqShape = {"BciTempMeasStartReq",
+                                                       "VornBcTempMeasStartReqS",
+                                                       sizeof(VornBcTempMeasStartReqS),
+                                                       {kTempMeasStartReqRows},
+                                                       bci::kTempMeasStartReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciTempMeasStartReq, m_tempMeasStartReq)
 BCI_DEFINE_MESSAGE(BciTempMeasStartReq, m_tempMeasStartReq)

@@ -20,8 +20,11 @@ static_assert(binarySize(kSetUtcTimeReqRows) == sizeof(VornBcSetUtcTimeReqS));
 
 constexpr Fields bci::kSetUtcTimeReq = {"bciUtcTimeMsg", kSetUtcTimeReqRows};
 
-const bci::codec::Shape bci::kSetUtcTimeReqShape = {
-    "BciSetUtcTimeReq", "VornBcSetUtcTimeReqS", sizeof(VornBcSetUtcTimeReqS), {kSetUtcTimeReqRows}};
+const bci::codec::Shape bci::kSetUtcTimeReqShape = {"BciSetUtcTimeReq",
+                                                    "VornBcSetUtcTimeReqS",
+                                                    sizeof(VornBcSetUtcTimeReqS),
+                                                    {kSetUtcTimeReqRows},
+                                                    bci::kSetUtcTimeReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciSetUtcTimeReq, m_setUtcTimeReq)
 BCI_DEFINE_MESSAGE(BciSetUtcTimeReq, m_setUtcTimeReq)

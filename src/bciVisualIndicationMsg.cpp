@@ -34,7 +34,8 @@ constexpr Fields bci::kSetVisualIndicationReq = {"bciVisualIndicationMsg", kSetV
 const bci::codec::Shape bci::kSetVisualIndicationReqShape = {"BciSetVisualIndicationReq",
                                                              "VornBcSetVisualIndicationReqS",
                                                              sizeof(VornBcSetVisualIndicationReqS),
-                                                             {kSetVisualIndicationReqRows}};
+                                                             {kSetVisualIndicationReqRows},
+                                                             bci::kSetVisualIndicationReq.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciSetVisualIndicationReq, m_setVisualIndicationReq)
 BCI_DEFINE_MESSAGE(BciSetVisualIndicationReq, m_setVisualIndicationReq)
@@ -50,7 +51,8 @@ constexpr Fields bci::kGetVisualIndicationCfm = {"bciVisualIndicationMsg", kGetV
 const bci::codec::Shape bci::kGetVisualIndicationCfmShape = {"BciGetVisualIndicationCfm",
                                                              "VornBcGetVisualIndicationCfmS",
                                                              sizeof(VornBcGetVisualIndicationCfmS),
-                                                             {kGetVisualIndicationCfmRows}};
+                                                             {kGetVisualIndicationCfmRows},
+                                                             bci::kGetVisualIndicationCfm.source};
 
 BCI_DEFINE_CONSTRUCTOR(BciGetVisualIndicationCfm, m_getVisualIndicationCfm)
 BCI_DEFINE_MESSAGE(BciGetVisualIndicationCfm, m_getVisualIndicationCfm)

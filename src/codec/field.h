@@ -33,6 +33,8 @@ enum class Oddity : U8
     doubledWord,
     // The log line of the missing element goes on with the whole document.
     quotesDocument,
+    // The log line of the missing element has a wording of its own.
+    ownLogLine,
     // The XML element starts without its tab, and three blanks stand before its value.
     bareOpening,
     // The XML element's closing tag has another name: its row gives both, "tag\0closing".

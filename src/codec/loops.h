@@ -8,6 +8,7 @@
 #include "decimal.h"
 #include "elementText.h"
 #include "rows.h"
+#include "unaligned.h"
 
 #include <cstddef>
 #include <cstring>
@@ -16,20 +17,6 @@ namespace bci::codec
 {
 
 inline constexpr char kDelimiter = ':';
-
-template <typename T>
-T peek(const char* from)
-{
-    T number;
-    std::memcpy(&number, from, sizeof number);
-    return number;
-}
-
-template <typename T>
-void poke(char* to, T number)
-{
-    std::memcpy(to, &number, sizeof number);
-}
 
 template <typename T>
 Number split(T number)

@@ -5,6 +5,7 @@
 
 #include "elementName.h"
 #include "field.h"
+#include "unaligned.h"
 
 #include <cstdint>
 #include <span>
@@ -91,13 +92,45 @@ struct Shape
     const char* structureName;
     unsigned int structureSize; // bytes
     Group content;
+    const char* source = ""; // the source file that log lines name
 };
 
 // The number that a field holds in a wire structure of the host. Not for texts.
-std::int64_t loadNumber(const Field& field, const char* structure);
+inline std::int64_t loadNumber(const Field& field, const char* structure)
+{
+    const char* const from = structure + field.offset;
+    switch (field.kind)
+    {
+    case Kind::u8:
+        return peek<U8>(from);
+    case Kind::u16:
+        return peek<U16>(from);
+    case Kind::s16:
+        return peek<S16>(from);
+    case Kind::u32:
+        return peek<U32>(from);
+    case Kind::s32:
+        return peek<S32>(from);
+    case Kind::text:
+        break;
+    }
+    return 0;
+}
 
 // Puts a number there, cut to the field's width.
-void storeNumber(const Field& field, std::int64_t number, char* structure);
+inline void storeNumber(const Field& field, std::int64_t number, char* structure)
+{
+    char* const to = structure + field.offset;
+    switch (field.size)
+    {
+    case 1:
+        return poke(to, static_cast<U8>(number));
+    case 2:
+        return poke(to, static_cast<U16>(number));
+    default:
+        return poke(to, static_cast<U32>(number));
+    }
+}
 
 // Is led through a message by walk(). `base` is always what offsets count from.
 class Visitor
@@ -107,6 +140,11 @@ public:
     Visitor(const Visitor&) = delete;
     Visitor& operator=(const Visitor&) = delete;
     virtual ~Visitor() = default;
+
+    static constexpr bool isOver()
+    {
+        return false;
+    }
 
     virtual void field(const Field& field, char* base, const Subscripts* subscripts) = 0;
     // A packed log entry: a text that may take all of the array that is left.

@@ -5,10 +5,13 @@
 #include "bciMessage.h"
 #include "bciMsgRegistration.h"
 #include "catalogue.h"
-#include "inspect.h"
 #include "logCapture.h"
+#include "output.h"
+#include "record.h"
+#include "rows.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <bit>
@@ -16,7 +19,9 @@
 #include <map>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -250,13 +255,13 @@ protected:
             ASSERT_LT(length, buffer.size());
             EXPECT_EQ(contentOf(shape(), writer->getMsg()), content);
 
-            bci::tool::Record record = inspect(
-                bci::tool::Rendering{buffer.substr(0, length), false, form, std::endian::native, &GetParam()});
+            bci::tool::Record record = inspect(bci::tool::Rendering{std::string_view(buffer).substr(0, length),
+                                                                    form, std::endian::native, &GetParam()});
             ASSERT_EQ(contentOf(shape(), record.structure.data()), content);
             Content listed;
             for (const bci::tool::FieldValue& field : record.fields)
             {
-                listed.emplace_back(field.name, field.value);
+                listed.emplace_back(field.name.substr(0, field.name.find('[')), field.value);
             }
             ASSERT_EQ(listed, content);
 
@@ -339,5 +344,182 @@ std::vector<bci::Signal> classes()
 
 INSTANTIATE_TEST_SUITE_P(, RandomMessages, testing::ValuesIn(classes()),
                          [](const auto& signal) { return std::string(signal.param.shape->className); });
+
+// The same through the pieces of the command.
+class RandomRecords : public RandomMessages
+{
+protected:
+    static constexpr int kRecords = 12; // of each signal and form
+
+    std::string randomRendering(Form form, std::endian firstWord)
+    {
+        std::vector<char> structure = randomStructure(form);
+        storeNumber(shape().content.rows.front(), static_cast<std::int64_t>(GetParam().number), structure.data());
+        const std::string rendering = bci::tool::render(structure, GetParam(), form, firstWord);
+        EXPECT_EQ(takeLog(), Log());
+        return rendering;
+    }
+
+    static std::string rowsOf(const std::string& input)
+    {
+        bci::tool::Buffer rows;
+        bci::tool::MemoryStream stream(input);
+        bci::tool::RowWriter writer(rows, [] {});
+        bci::tool::RecordReader<bci::tool::RowWriter>("in", bci::tool::Packing::automatic, writer,
+                                                      bci::tool::readRow)
+            .readAll(stream);
+        return std::string(rows.text());
+    }
+
+    static std::vector<std::string> linesOf(const std::string& text)
+    {
+        std::vector<std::string> lines;
+        std::istringstream in(text);
+        for (std::string line; std::getline(in, line);)
+        {
+            lines.push_back(line);
+        }
+        return lines;
+    }
+
+    // Reads a rendering, which has no findings but those that say what the binary form carries beyond its values;
+    // its row makes it again.
+    void expectRow(const std::string& rendering, Form form, std::endian firstWord)
+    {
+        SCOPED_TRACE(bci::tool::hexDigits(rendering));
+        const std::vector<std::string> rows = linesOf(rowsOf(rendering));
+        ASSERT_EQ(rows.size(), 1U);
+        const auto row = nlohmann::json::parse(rows.front());
+        EXPECT_EQ(row["class"], shape().className);
+        EXPECT_EQ(row["name"], GetParam().name);
+        EXPECT_TRUE(row["damages"].empty()) << row["damages"];
+        for (const auto& note : row["notes"])
+        {
+            EXPECT_EQ(note["code"], "unused-bytes");
+            EXPECT_EQ(form, Form::binary);
+        }
+        EXPECT_EQ(row["original"].is_null(), row["notes"].empty());
+        EXPECT_TRUE(row["rest"].is_null());
+        std::string again;
+        bci::tool::Rendering found;
+        EXPECT_EQ(bci::tool::readRow(rows.front(), again, found), "");
+        EXPECT_EQ(again, rendering);
+        EXPECT_EQ(found.form, form);
+        if (form == Form::binary)
+        {
+            EXPECT_EQ(found.firstWord, firstWord);
+        }
+    }
+
+    // Changes, removes, repeats or inserts bytes at a few places.
+    void damage(std::string& bytes)
+    {
+        for (std::size_t count = 1 + m_random() % 4; count != 0 && !bytes.empty(); --count)
+        {
+            const std::size_t at = m_random() % bytes.size();
+            const std::size_t length = std::min<std::size_t>(1 + m_random() % 9, bytes.size() - at);
+            constexpr std::string_view kSpecial("\0\n:<>-0 \r\t{", 11);
+            switch (m_random() % 6)
+            {
+            case 0:
+                bytes[at] = static_cast<char>(m_random());
+                break;
+            case 1:
+                bytes[at] = kSpecial[m_random() % kSpecial.size()];
+                break;
+            case 2:
+                bytes.erase(at, length);
+                break;
+            case 3:
+                bytes.insert(at, bytes.substr(at, length));
+                break;
+            case 4:
+                bytes.insert(at, 1, kSpecial[m_random() % kSpecial.size()]);
+                break;
+            default:
+                bytes.resize(at);
+                break;
+            }
+        }
+    }
+
+    // Every byte belongs to one record, or is blank and between two.
+    static void expectCovered(const std::string& input)
+    {
+        std::size_t covered = 0;
+        const auto skipTo = [&](std::size_t offset)
+        {
+            ASSERT_LE(covered, offset);
+            ASSERT_EQ(
+                input.substr(covered, offset - covered).find_first_not_of(std::string_view(" \t\r\n\v\f\0", 7)),
+                std::string::npos)
+                << "between " << covered << " and " << offset;
+        };
+        bci::tool::Collector collector(
+            [&](const bci::tool::Item& item, const bci::tool::Record& record)
+            {
+                const std::string_view bytes = item.rendering.bytes;
+                skipTo(item.offset);
+                const std::size_t size = item.digits.empty() ? bytes.size() : item.digits.size();
+                ASSERT_LE(item.offset + size, input.size());
+                if (item.carrier == bci::tool::Carrier::plain)
+                {
+                    ASSERT_EQ(bytes, std::string_view(input).substr(item.offset, size));
+                }
+                for (const bci::tool::Finding& finding : record.findings)
+                {
+                    ASSERT_LE(finding.position, bytes.size() + 2) << "the end of its line may be in between";
+                }
+                covered = item.offset + size;
+            });
+        bci::tool::MemoryStream stream(input);
+        bci::tool::RecordReader<bci::tool::Collector>("in", bci::tool::Packing::automatic, collector,
+                                                      bci::tool::readRow)
+            .readAll(stream);
+        skipTo(input.size());
+    }
+};
+
+TEST_P(RandomRecords, GoThroughRows)
+{
+    for (int i = 0; i < kRecords; ++i)
+    {
+        expectRow(randomRendering(Form::text, std::endian::big), Form::text, std::endian::big);
+        expectRow(randomRendering(Form::xml, std::endian::big), Form::xml, std::endian::big);
+        for (const std::endian order : {std::endian::big, std::endian::little})
+        {
+            expectRow(randomRendering(Form::binary, order), Form::binary, order);
+        }
+    }
+}
+
+TEST_P(RandomRecords, AreReadToTheLastByteWhateverTheDamage)
+{
+    for (int i = 0; i < kRecords; ++i)
+    {
+        for (const Form form : {Form::text, Form::binary, Form::xml})
+        {
+            std::string input;
+            for (int count = 0; count < 3; ++count)
+            {
+                input += randomRendering(form, i % 2 == 0 ? std::endian::big : std::endian::little);
+                input += form == Form::text ? "\n" : "";
+            }
+            damage(input);
+            SCOPED_TRACE(bci::tool::hexDigits(input));
+            ASSERT_NO_FATAL_FAILURE(expectCovered(input));
+            const std::string rows = rowsOf(input);
+            for (const std::string& row : linesOf(rows))
+            {
+                ASSERT_TRUE(nlohmann::json::accept(row)) << row;
+            }
+            ASSERT_EQ(rowsOf(input), rows);
+            takeLog();
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, RandomRecords, testing::ValuesIn(bci::signals().begin(), bci::signals().end()),
+                         [](const auto& signal) { return std::string(signal.param.name); });
 
 } // namespace
