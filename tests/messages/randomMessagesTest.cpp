@@ -459,18 +459,19 @@ protected:
             [&](const bci::tool::Item& item, const bci::tool::Record& record)
             {
                 const std::string_view bytes = item.rendering.bytes;
-                skipTo(item.offset);
+                const auto offset = static_cast<std::size_t>(item.offset);
+                skipTo(offset);
                 const std::size_t size = item.digits.empty() ? bytes.size() : item.digits.size();
-                ASSERT_LE(item.offset + size, input.size());
+                ASSERT_LE(offset + size, input.size());
                 if (item.carrier == bci::tool::Carrier::plain)
                 {
-                    ASSERT_EQ(bytes, std::string_view(input).substr(item.offset, size));
+                    ASSERT_EQ(bytes, std::string_view(input).substr(offset, size));
                 }
                 for (const bci::tool::Finding& finding : record.findings)
                 {
                     ASSERT_LE(finding.position, bytes.size() + 2) << "the end of its line may be in between";
                 }
-                covered = item.offset + size;
+                covered = offset + size;
             });
         bci::tool::MemoryStream stream(input);
         bci::tool::RecordReader<bci::tool::Collector>("in", bci::tool::Packing::automatic, collector,

@@ -433,7 +433,7 @@ TEST(Records, AreOnlyWhatTheyAreSaidToBe)
               "2 @16 in:2:1 no form no signal '" +
                   std::string(kHex) + "' unknown-record in:2:1\n");
     EXPECT_EQ(recordsOf("23430145:1:2:3:\n" + std::string(kHex) + "\n", Packing::hex),
-              "1 @0 in:1:1 text no signal '23430145:1:2:3:' unknown-signal in:1:1\n"
+              "1 @0 in:1:1 no form no signal '23430145:1:2:3:' unknown-record in:1:1\n"
               "2 @16 in:2:1 binary BciAuditCfm " +
                   quote(kBig) + "\n");
 }
@@ -468,7 +468,8 @@ TEST(Records, MayFillInputsOfAnySize)
             EXPECT_TRUE(record.findings.empty());
             EXPECT_EQ(record.fields.at(1).value, std::to_string(count));
             EXPECT_EQ(item.line, 2 * count + 1);
-            EXPECT_EQ(input.substr(item.offset, item.rendering.bytes.size()), item.rendering.bytes);
+            EXPECT_EQ(input.substr(static_cast<std::size_t>(item.offset), item.rendering.bytes.size()),
+                      item.rendering.bytes);
             lines = item.line;
             ++count;
         });

@@ -45,7 +45,7 @@ TEST(Rows, HaveEveryMemberInOrder)
         R"({"schema":1,"input":"in","record":1,"offset":0,"line":1,"time":null,"direction":null,"form":null,)"
         R"("firstWord":null,"signal":null,"name":null,"class":null,"numbers":{},"texts":{},"bytes":{},)"
         R"("damages":[{"code":"unknown-record","field":null,"position":0,"length":4,"line":1,"column":1,)"
-        R"("expected":"a signal in any form","found":"'nothing'","library":"makes no message of it"}],)"
+        R"("expected":"a signal in any form","found":"'nothing'","library":null}],)"
         R"("notes":[],"rest":"6e6f7468696e67","original":null})"
         "\n");
 }

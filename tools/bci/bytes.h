@@ -69,6 +69,12 @@ public:
     // was asked for, not earlier.
     bool isLast() const;
 
+    // Bytes that ahead() can return without reading.
+    std::size_t buffered() const
+    {
+        return m_end - m_begin;
+    }
+
     // Passes over bytes that ahead() has shown. What it returned becomes invalid with the next ahead().
     void consume(std::size_t count);
 

@@ -165,7 +165,8 @@ public:
 
     virtual void record(const Item& item, const Record& record, const std::vector<Finding>& findings,
                         const Verdict& verdict, const std::vector<Loss>* losses) = 0;
-    virtual void finish() = 0;
+    // `isWhole`: all inputs could be read.
+    virtual void finish(bool isWhole) = 0;
 
 protected:
     Output& m_output; // NOLINT(cppcoreguidelines-non-private-member-variables-in-classes)
@@ -219,7 +220,7 @@ public:
         m_output.write(text);
     }
 
-    void finish() override
+    void finish(bool /*isWhole*/) override
     {
         const auto counted = [](std::uint64_t count, const char* what)
         { return std::to_string(count) + " " + what + (count == 1 ? "" : "s"); };
@@ -286,7 +287,7 @@ public:
         m_output.write(out + "}\n");
     }
 
-    void finish() override {}
+    void finish(bool /*isWhole*/) override {}
 
 private:
     static void appendVerdict(std::string& out, const Rendering& rendering, const Verdict& verdict)
@@ -352,7 +353,7 @@ public:
             appendText(out, R"(},"fullDescription":{"text":)", code.explanation);
             out += std::string(R"(},"defaultConfiguration":{"level":")") + level(code) + R"("}})";
         }
-        m_output.write(out + R"(]}},"columnKind":"utf16CodeUnits","results":[)");
+        m_output.write(out + R"(]}},"columnKind":"unicodeCodePoints","results":[)");
     }
 
     void record(const Item& item, const Record& /*record*/, const std::vector<Finding>& findings,
@@ -374,15 +375,38 @@ public:
         }
     }
 
-    void finish() override
+    void finish(bool isWhole) override
     {
-        m_output.write("]}]}\n");
+        m_output.write(std::string(R"(],"invocations":[{"executionSuccessful":)") + (isWhole ? "true" : "false") +
+                       "}]}]}\n");
     }
 
 private:
     static const char* level(const CodeInfo& code)
     {
         return code.severity == Severity::note ? "note" : "error";
+    }
+
+    // Bytes that go on with a character in UTF-8.
+    static std::size_t continuations(std::string_view text)
+    {
+        return static_cast<std::size_t>(std::count_if(
+            text.begin(), text.end(), [](char ch) { return (static_cast<unsigned char>(ch) & 0xC0) == 0x80; }));
+    }
+
+    // A file name as a reference in a URI.
+    static std::string uri(std::string_view name)
+    {
+        constexpr std::string_view kPlain = "-._~/";
+        std::string text;
+        for (const char ch : name)
+        {
+            const auto byte = static_cast<unsigned char>(ch);
+            const bool isPlain = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
+                                 (byte >= 'a' && byte <= 'z') || kPlain.find(ch) != std::string_view::npos;
+            text += isPlain ? std::string(1, ch) : "%" + hexDigits(std::string_view(&ch, 1));
+        }
+        return text;
     }
 
     void add(const Item& item, Code code, std::size_t position, std::size_t length, const std::string& text)
@@ -393,12 +417,23 @@ private:
         out += R"(,"ruleIndex":)" + std::to_string(static_cast<std::size_t>(code)) + R"(,"level":")" +
                level(info(code)) + '"';
         appendText(out, R"(,"message":{"text":)", text);
-        appendText(out, R"(},"locations":[{"physicalLocation":{"artifactLocation":{"uri":)", item.input);
+        appendText(out, R"(},"locations":[{"physicalLocation":{"artifactLocation":{"uri":)", uri(item.input));
         out += R"(},"region":{)";
         if (const LineColumn place = lineAndColumn(item, position); place.line != 0)
         {
-            out += R"("startLine":)" + std::to_string(place.line) + R"(,"startColumn":)" +
-                   std::to_string(place.column);
+            // Characters, where the line can be looked at.
+            const bool isPlain = item.carrier == Carrier::plain && position <= item.rendering.bytes.size();
+            const std::string_view before = item.rendering.bytes.substr(0, isPlain ? position : 0);
+            const std::size_t lineBegin = before.rfind('\n') + 1;
+            const std::size_t continued = continuations(before.substr(std::min(lineBegin, before.size())));
+            const std::uint64_t column = place.column - continued;
+            out += R"("startLine":)" + std::to_string(place.line) + R"(,"startColumn":)" + std::to_string(column);
+            if (isPlain)
+            {
+                const std::string_view found = item.rendering.bytes.substr(position, length);
+                const std::string_view inLine = found.substr(0, found.find('\n'));
+                out += R"(,"endColumn":)" + std::to_string(column + inLine.size() - continuations(inLine));
+            }
         }
         else
         {
@@ -455,7 +490,7 @@ struct Check
                 found = found || result == "damaged" || (strict && result == "noted") || !losses.empty();
             });
         const int status = readInputs(inputs, collector, [&output] { output.flush(); });
-        report->finish();
+        report->finish(status == kClean);
         output.flush();
         return status != kClean ? status : found ? kFound : kClean;
     }

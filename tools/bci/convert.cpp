@@ -114,13 +114,13 @@ Run addConvert(CLI::App& app)
     verb->add_option("--first-word", convert->firstWord,
                      "Byte order of the first word in binary and hex, if not the record's own or big")
         ->check(CLI::IsMember(std::vector<std::string>{"big", "little"}));
-    verb->footer(
-        "A record that is damaged, or of which the other form would lose a value, is told on standard error and "
-        "not written.\n\n"
-        "Examples:\n"
-        "  bci convert --to xml record.bin\n"
-        "  bci convert --to hex --first-word little record.txt\n"
-        "  bci convert --to pcap --form binary trace.log > trace.pcap");
+    verb->footer("A record that is damaged, or of which the other form does not hold a value, is told on standard "
+                 "error and "
+                 "not written.\n\n"
+                 "Examples:\n"
+                 "  bci convert --to xml record.bin\n"
+                 "  bci convert --to hex --first-word little record.txt\n"
+                 "  bci convert --to pcap --form binary trace.log > trace.pcap");
     return [convert] { return convert->run(); };
 }
 

@@ -469,7 +469,10 @@ int encodeFiles(const std::vector<std::string>& fileNames, bool force, RecordWri
             status = kTrouble;
         }
     }
-    writer.finish();
+    if (status == kClean || writer.hasBegun())
+    {
+        writer.finish(); // else an output that is there stays as it is
+    }
     return status;
 }
 

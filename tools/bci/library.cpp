@@ -8,6 +8,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <memory>
+#include <set>
 
 namespace
 {
@@ -103,10 +104,10 @@ ReadBack readBack(const Rendering& rendering, char fill)
     return back;
 }
 
-// Calls a function with each field of a wire structure that the library has read otherwise, and with its value, as
-// text: null if it was left alone.
-template <typename Function>
-void compare(const Record& wanted, const ReadBack& one, const ReadBack& two, Function function)
+// Calls a function with each field of a wire structure that the library has read otherwise or that is lost, and
+// with its value, as text: null if it was left alone.
+template <typename Lost, typename Function>
+void compare(const Record& wanted, Lost isLost, const ReadBack& one, const ReadBack& two, Function function)
 {
     for (const FieldValue& field : wanted.fields)
     {
@@ -116,7 +117,7 @@ void compare(const Record& wanted, const ReadBack& one, const ReadBack& two, Fun
         {
             function(field, nullptr);
         }
-        else if (first != field.value)
+        else if (first != field.value || isLost(field))
         {
             const std::string shown = quote(field.raw ? hexDigits(first) : first);
             function(field, &shown);
@@ -147,8 +148,17 @@ Verdict askLibrary(const Rendering& rendering, const Record& record)
     }
     verdict.result = one.result;
     verdict.length = one.length;
+    std::set<std::string_view> found;
+    for (const FieldValue& field : record.fields)
+    {
+        if (!field.isLost)
+        {
+            found.insert(field.name);
+        }
+    }
     compare(
-        recordOf(*rendering.signal, record.structure), one, two,
+        recordOf(*rendering.signal, record.structure),
+        [&found](const FieldValue& field) { return !found.contains(field.name); }, one, two,
         [&](const FieldValue& field, const std::string* stored) {
             verdict.differences.push_back({field.name, stored != nullptr ? std::optional(*stored) : std::nullopt});
         });
@@ -175,12 +185,13 @@ std::vector<Loss> roundTrip(const Signal& signal, const Record& record)
         const ReadBack two = readBack(rendering, kOtherFill);
         logged.clear();
         const std::size_t before = losses.size();
-        compare(recordOf(signal, record.structure), one, two,
-                [&](const FieldValue& field, const std::string* stored)
-                {
-                    losses.push_back({form, field.name, quote(field.raw ? hexDigits(field.value) : field.value),
-                                      stored != nullptr ? *stored : "its old value"});
-                });
+        compare(
+            recordOf(signal, record.structure), [](const FieldValue& /*field*/) { return false; }, one, two,
+            [&](const FieldValue& field, const std::string* stored)
+            {
+                losses.push_back({form, field.name, quote(field.raw ? hexDigits(field.value) : field.value),
+                                  stored != nullptr ? *stored : "its old value"});
+            });
         if (!one.result && losses.size() == before)
         {
             losses.push_back({form, "", "", "every value comes back, but the result is failure"});

@@ -48,7 +48,8 @@ struct FieldPlace
 // What a reading came to. A record that is not complete broke off at `end`.
 struct Reading
 {
-    std::size_t end = 0; // behind what was read
+    std::size_t end = 0;                       // behind what was read
+    std::size_t rest = std::string_view::npos; // where what was not read begins, if there is any
     bool isComplete = false;
     bool isDamaged = false;
     bool hasNotes = false;
@@ -140,6 +141,7 @@ public:
         }
         m_reading.end = m_position;
         m_reading.isComplete = !m_isOver;
+        m_reading.rest = m_isOver ? m_position : std::string_view::npos;
         return m_reading;
     }
 

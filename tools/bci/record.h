@@ -5,6 +5,7 @@
 #include "reading.h"
 #include "records.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -33,10 +34,10 @@ struct Record
     std::vector<char> structure; // the wire structure, in the host's layout; what no field fills is zero
     Reading reading;
 
-    // What a broken record has behind its last field.
+    // What has not been read.
     std::string_view rest(const Item& item) const
     {
-        return reading.isComplete ? std::string_view() : item.rendering.bytes.substr(reading.end);
+        return item.rendering.bytes.substr(std::min(reading.rest, item.rendering.bytes.size()));
     }
 };
 

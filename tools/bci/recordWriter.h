@@ -51,6 +51,12 @@ public:
     // Sends to the output what has been written until now. Throws Trouble.
     void flush();
 
+    // Whether a record has been written.
+    bool hasBegun() const
+    {
+        return m_file != nullptr;
+    }
+
     // Has to be called behind the last record. Without records, this makes an empty output. Throws Trouble.
     void finish();
 

@@ -99,7 +99,7 @@ LineColumn lineAndColumn(const Item& item, std::size_t position)
     }
     else if (item.carrier != Carrier::plain)
     {
-        before = item.digits.substr(0, digitOf(item, position));
+        before = item.digits.substr(0, digitOf(item, item.skipped + position));
     }
     const std::size_t newLine = before.rfind('\n');
     if (newLine == std::string_view::npos)
@@ -120,7 +120,8 @@ std::string placeOf(const Item& item, std::size_t position)
     }
     if (item.carrier == Carrier::packet)
     {
-        return place + ": packet " + std::to_string(item.record) + ", offset " + std::to_string(position);
+        return place + ": packet " + std::to_string(item.record) + ", offset " +
+               std::to_string(item.skipped + position);
     }
     return place + ": offset " + std::to_string(item.offset + position);
 }

@@ -56,6 +56,7 @@ struct Item
     std::uint64_t offset = 0;   // in the input, in bytes, what it was packed in taken off
     std::uint64_t line = 0;     // from 1; 0 if the input has no lines
     std::size_t column = 1;     // of the rendering's first byte, or its first digit, in bytes
+    std::size_t skipped = 0;    // bytes that what carried it holds in front of the rendering
     std::string_view digits;    // those of the rendering, if it came as such
     std::string_view time = {}; // empty if not known
     std::string_view direction = {};
@@ -127,6 +128,16 @@ public:
         if (textSignal(ahead) == nullptr)
         {
             ahead = window.ahead(kLongestDumpBeginning);
+            if (m_packing == Packing::automatic && packingOf(ahead) == Packing::text && hasControls(ahead))
+            {
+                ahead = window.ahead(kReach).substr(0, kReach);
+                const std::size_t binary = nextBinary(ahead, 0);
+                if (binary < ahead.size() && binary < firstLine(ahead))
+                {
+                    readBinary(window);
+                    return "binary, by a signal number that is not at its beginning";
+                }
+            }
         }
         switch (packingOf(ahead))
         {
@@ -178,16 +189,16 @@ public:
             std::string_view ahead;
             for (std::size_t wanted = 1; used == 0; wanted = ahead.size() + 1)
             {
+                if (window.buffered() < wanted && m_pause)
+                {
+                    m_pause();
+                }
                 ahead = window.ahead(wanted).substr(0, kReach);
                 if (ahead.empty())
                 {
                     return;
                 }
                 used = readNext(window, ahead, ahead.size() == kReach || ahead.size() < wanted);
-                if (used == 0 && m_pause)
-                {
-                    m_pause();
-                }
             }
             const auto end = ahead.begin() + static_cast<std::ptrdiff_t>(used);
             m_line += static_cast<std::uint64_t>(std::count(ahead.begin(), end, '\n'));
@@ -195,7 +206,7 @@ public:
         }
     }
 
-    // Is called when the next record is not all there yet.
+    // Is called when there is nothing to read for now.
     void onPause(std::function<void()> pause)
     {
         m_pause = std::move(pause);
@@ -204,6 +215,7 @@ public:
     // Reads one line, which is one record whatever it holds.
     void readLine(std::string_view line, std::uint64_t offset, std::uint64_t number)
     {
+        m_isOneEach = true;
         m_line = number;
         Item item = newItem(offset);
         if (line.ends_with('\r'))
@@ -242,6 +254,26 @@ public:
 
 private:
     static constexpr std::size_t kLongestDumpBeginning = 256; // bytes that isDump() wants to see
+
+    // What no line of text has.
+    static bool hasControls(std::string_view bytes)
+    {
+        return std::any_of(bytes.begin(), bytes.end(),
+                           [](char ch) { return static_cast<unsigned char>(ch) < ' ' && !isBlank(ch); });
+    }
+
+    // Where the first record in text or XML begins.
+    static std::size_t firstLine(std::string_view bytes)
+    {
+        for (std::size_t at = 0; at < bytes.size(); at = lineEnd(bytes, at) + 1)
+        {
+            if (textSignal(bytes.substr(at)) != nullptr)
+            {
+                return std::min(at, bytes.find("<sigNo>"));
+            }
+        }
+        return bytes.find("<sigNo>");
+    }
 
     bool takes(Packing packing) const
     {
@@ -288,6 +320,7 @@ private:
             Finding{code, position, length, "", std::move(expected), std::move(found), "makes no message of it"});
         Reading reading;
         reading.isDamaged = true;
+        reading.rest = 0;
         m_sink.end(item, reading);
     }
 
@@ -319,6 +352,7 @@ private:
     {
         const std::string_view bytes = item.rendering.bytes;
         reading.isDamaged = true;
+        reading.rest = from;
         m_sink.finding(Finding{Code::extraInput, from, bytes.size() - from, "", "nothing behind the last field",
                                quote(bytes.substr(from)), "does not look at it"});
     }
@@ -527,18 +561,90 @@ private:
         }
     }
 
-    // A rendering in any form.
-    void readBytes(Item& item, std::string_view bytes)
+    // Renderings in any form, one behind the other.
+    void readBytes(const Item& carrier, std::string_view bytes)
+    {
+        std::size_t at = 0;
+        do
+        {
+            Item item = carrier;
+            item.skipped = at;
+            item.record = at == 0 ? carrier.record : ++m_record;
+            at += readFirst(item, bytes.substr(at));
+        } while (at < bytes.size());
+    }
+
+    // Reads the first of them. Returns where the next one begins, or the end.
+    std::size_t readFirst(Item& item, std::string_view bytes)
     {
         item.hasForm = recognise(bytes, item.rendering);
         if (item.hasForm && item.rendering.form == Form::xml)
         {
-            readXml(item, bytes);
-            return;
+            const std::size_t first = bytes.find("<sigNo>");
+            std::size_t next = first == std::string_view::npos ? first : bytes.find("<sigNo>", first + 1);
+            if (m_isOneEach || next == std::string_view::npos)
+            {
+                next = bytes.size();
+            }
+            else if (bytes[next - 1] == '\t')
+            {
+                --next;
+            }
+            readXml(item, bytes.substr(0, next));
+            return next;
         }
         item.rendering.bytes = bytes;
+        std::size_t next = bytes.size();
+        if (item.rendering.signal != nullptr && item.hasForm && !m_isOneEach)
+        {
+            Trial trial;
+            const Reading reading = read(item.rendering, trial);
+            const bool isBinary = item.rendering.form == Form::binary;
+            const std::size_t behind = isBinary ? behindZeros(bytes, reading.end) : blanksAt(bytes, reading.end);
+            if (reading.isComplete && behind < bytes.size() && begins(bytes.substr(behind), isBinary))
+            {
+                next = behind;
+                item.rendering.bytes = bytes.substr(0, reading.end);
+            }
+            else if (isBinary && (!reading.isComplete || behind < bytes.size()))
+            {
+                next = nextBinary(bytes, sizeof(SIGSELECT));
+                item.rendering.bytes = bytes.substr(0, next);
+            }
+        }
         readWhole(item);
+        return next;
     }
+
+    static bool begins(std::string_view bytes, bool isBinary)
+    {
+        return isBinary ? beginsBinary(bytes) : textSignal(bytes) != nullptr;
+    }
+
+    // A sink for a reading of which only the result counts.
+    class Trial
+    {
+    public:
+        static constexpr bool kNeedsStructure = false;
+
+        char* structure(std::size_t size)
+        {
+            m_structure.resize(size);
+            return m_structure.data();
+        }
+
+        void number(const FieldPlace& /*place*/, std::int64_t /*value*/, std::string_view /*digits*/,
+                    std::size_t /*position*/)
+        {
+        }
+        void text(const FieldPlace& /*place*/, std::string_view /*characters*/, std::size_t /*position*/) {}
+        void block(const FieldPlace& /*place*/, std::string_view /*bytes*/, std::size_t /*position*/) {}
+        void nothing(const FieldPlace& /*place*/, bool /*raw*/) {}
+        void finding(const Finding& /*finding*/) {}
+
+    private:
+        std::vector<char> m_structure;
+    };
 
     // ---- lines
 
@@ -573,9 +679,10 @@ private:
             return isAll ? readXmlText(window, ahead) : 0;
         }
         const std::size_t end = lineEnd(ahead, 0);
-        if (!isAll && (end == ahead.size() || decodeHex(ahead.substr(0, end))))
+        if (!isAll &&
+            (end == ahead.size() || decodeHex(ahead.substr(0, end)) || decodeBase64(ahead.substr(0, end))))
         {
-            return 0; // more lines of hex may follow
+            return 0; // more lines of digits may follow
         }
         Item item = newItem(window.offset());
         item.column = m_column;
@@ -685,20 +792,30 @@ private:
         return textSignal(bytes.substr(extra)) != nullptr;
     }
 
-    // Where a line begins with the next record within what an unclean record has read or broken off in.
+    // Where the next record begins within what an unclean record has read or broken off in: at the beginning of a
+    // line, or behind a ':' of its last line if it reads cleanly from there.
     static std::size_t nextText(std::string_view bytes, const Reading& reading)
     {
-        std::size_t at = 0;
-        while ((at = bytes.find('\n', at)) != std::string_view::npos)
+        const std::size_t lastLine = lineEnd(bytes, reading.end);
+        for (std::size_t at = 0; (at = bytes.find_first_of(":\n", at)) != std::string_view::npos;)
         {
-            ++at;
-            if (reading.isComplete && at > reading.end)
+            const bool isLine = bytes[at++] == '\n';
+            if (isLine && reading.isComplete && at > reading.end)
             {
                 break;
             }
-            if (textSignal(bytes.substr(at)) != nullptr)
+            if (!isLine && at > lastLine)
             {
-                return at;
+                continue;
+            }
+            if (const Signal* const signal = textSignal(bytes.substr(at)))
+            {
+                Trial trial;
+                if (isLine ||
+                    read(Rendering{bytes.substr(at), Form::text, std::endian::big, signal}, trial).isClean())
+                {
+                    return at;
+                }
             }
         }
         return bytes.size();
@@ -721,6 +838,7 @@ private:
         }
         // Another form at the start of a line ends it, too, and so does a zero.
         end = std::min(end, ahead.find('\0'));
+        const std::size_t whole = end;
         for (std::size_t at = 0; (at = ahead.substr(0, end).find('\n', at)) != std::string_view::npos;)
         {
             if (textSignal(ahead.substr(++at)) != nullptr || ahead.substr(at).starts_with('{'))
@@ -730,10 +848,18 @@ private:
             }
         }
         Rendering rendering;
-        recognise(ahead.substr(0, end), rendering);
+        m_document.assign(ahead.substr(0, whole));
+        recognise(m_document, rendering);
         if (rendering.signal == nullptr)
         {
             end = unknownXmlEnd(ahead.substr(0, end));
+        }
+        else if (end != whole)
+        {
+            // Unless it is within a value.
+            Trial trial;
+            const Reading reading = read(rendering, trial);
+            end = reading.isClean() && reading.end > end ? whole : end;
         }
         if (readXml(item, ahead.substr(0, end), true))
         {
@@ -804,65 +930,68 @@ private:
         }
         if (takes(Packing::hex))
         {
-            if (std::optional<std::string> bytes = decodeHex(line))
+            if (const std::optional<std::size_t> used = readDigits(item, line, following, Carrier::hex, decodeHex))
             {
-                std::size_t used = 0;
-                Rendering rendering;
-                if (m_packing == Packing::hex || recognise(*bytes, rendering))
-                {
-                    nameFirst("hex, by the signal that its digits stand for");
-                    while (used < following.size())
-                    {
-                        const std::size_t end = lineEnd(following, used);
-                        std::string_view next = following.substr(used, end - used);
-                        if (next.ends_with('\r'))
-                        {
-                            next.remove_suffix(1);
-                        }
-                        const std::optional<std::string> more = decodeHex(next);
-                        if (!more || (recognise(*more, rendering) && rendering.signal != nullptr) ||
-                            bytes->size() + more->size() > kReach)
-                        {
-                            break;
-                        }
-                        *bytes += *more;
-                        used = std::min(end + 1, following.size());
-                    }
-                    item.carrier = Carrier::hex;
-                    item.digits = {line.data(),
-                                   used == 0 ? line.size()
-                                             : static_cast<std::size_t>(following.data() + used - line.data())};
-                    m_decoded = std::move(*bytes);
-                    readDecoded(item, std::nullopt);
-                    return used;
-                }
+                return *used;
             }
         }
         if (takes(Packing::base64))
         {
-            if (std::optional<std::string> bytes = decodeBase64(line))
+            if (const std::optional<std::size_t> used =
+                    readDigits(item, line, following, Carrier::base64, decodeBase64))
             {
-                Rendering rendering;
-                if (m_packing == Packing::base64 || recognise(*bytes, rendering))
-                {
-                    nameFirst("base64, by the signal that it stands for");
-                    item.carrier = Carrier::base64;
-                    item.digits = line;
-                    m_decoded = std::move(*bytes);
-                    readDecoded(item, std::nullopt);
-                    return 0;
-                }
+                return *used;
             }
         }
         nameFirst("none of a signal");
         item.rendering.bytes = line;
-        item.hasForm = !line.empty() && codec::isDigit(line.front()) &&
+        item.hasForm = takes(Packing::text) && !line.empty() && codec::isDigit(line.front()) &&
                        line.find_first_not_of("0123456789") != std::string_view::npos &&
                        line[line.find_first_not_of("0123456789")] == ':';
         item.rendering.form = Form::text;
         item.rendering.signal = nullptr;
         refuse(item);
         return 0;
+    }
+
+    // Digits that stand for a signal, over as many lines as go on with them. Returns how many bytes of those
+    // behind the first they take; null if they stand for none.
+    template <typename Decode>
+    std::optional<std::size_t> readDigits(Item& item, std::string_view line, std::string_view following,
+                                          Carrier carrier, Decode decode)
+    {
+        std::optional<std::string> bytes = decode(line);
+        Rendering rendering;
+        if (!bytes || (m_packing == Packing::automatic && !recognise(*bytes, rendering)))
+        {
+            return std::nullopt;
+        }
+        nameFirst(carrier == Carrier::hex ? "hex, by the signal that its digits stand for"
+                                          : "base64, by the signal that it stands for");
+        std::size_t used = 0;
+        while (used < following.size())
+        {
+            const std::size_t end = lineEnd(following, used);
+            std::string_view next = following.substr(used, end - used);
+            if (next.ends_with('\r'))
+            {
+                next.remove_suffix(1);
+            }
+            const std::optional<std::string> more = decode(next);
+            if (!more || (recognise(*more, rendering) && rendering.signal != nullptr) ||
+                bytes->size() + more->size() > kReach)
+            {
+                break;
+            }
+            *bytes += *more;
+            used = std::min(end + 1, following.size());
+        }
+        item.carrier = carrier;
+        item.digits = {line.data(),
+                       used == 0 ? line.size() : static_cast<std::size_t>(following.data() + used - line.data())};
+        m_decoded = std::move(*bytes);
+        readDecoded(item, std::nullopt);
+        return used;
     }
 
     void readDecoded(Item& item, std::optional<Form> form)
@@ -874,7 +1003,6 @@ private:
             return;
         }
         readBytes(item, m_decoded);
-        (void)form;
     }
 
     void readRow(Item& item, std::string_view line)
@@ -908,6 +1036,7 @@ private:
     std::uint64_t m_record = 0;
     std::uint64_t m_line = 1;
     std::size_t m_column = 1;
+    bool m_isOneEach = false; // a line is a record, whatever follows in it
     std::string m_firstLine;
     std::function<void()> m_pause;
     std::string m_decoded;

@@ -392,6 +392,7 @@ void RowWriter::nothing(const FieldPlace& place, bool raw)
 
 void RowWriter::finding(Finding finding)
 {
+    finding.library.clear(); // it has not been asked
     m_findings.push_back(std::move(finding));
 }
 
@@ -414,13 +415,13 @@ void RowWriter::putFindings(const Item& item, const Reading& reading)
         m_out.put(list);
     }
     m_out.put(R"(],"rest":)");
-    if (reading.isComplete)
+    if (reading.rest == std::string_view::npos)
     {
         m_out.put("null");
     }
     else
     {
-        putHex(m_out, item.rendering.bytes.substr(reading.end));
+        putHex(m_out, item.rendering.bytes.substr(std::min(reading.rest, item.rendering.bytes.size())));
     }
     m_out.put(R"(,"original":)");
     if (reading.isClean() && reading.hasNotes)
