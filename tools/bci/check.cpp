@@ -1,7 +1,7 @@
+#include "commandIo.h"
 #include "library.h"
 #include "output.h"
 #include "rows.h"
-#include "session.h"
 #include "verbs.h"
 
 #include <CLI/CLI.hpp>

@@ -1,7 +1,7 @@
+#include "commandIo.h"
 #include "output.h"
 #include "recordWriter.h"
 #include "rows.h"
-#include "session.h"
 #include "verbs.h"
 
 #include <CLI/CLI.hpp>

@@ -1,8 +1,8 @@
+#include "commandIo.h"
 #include "lineFilter.h"
 #include "output.h"
 #include "parallel.h"
 #include "rows.h"
-#include "session.h"
 #include "verbs.h"
 
 #include <CLI/CLI.hpp>

@@ -1,6 +1,6 @@
+#include "commandIo.h"
 #include "output.h"
 #include "rows.h"
-#include "session.h"
 #include "verbs.h"
 
 #include <CLI/CLI.hpp>

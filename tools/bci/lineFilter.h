@@ -2,8 +2,8 @@
 #ifndef BCI_TOOL_LINE_FILTER_H
 #define BCI_TOOL_LINE_FILTER_H
 
+#include "commandIo.h"
 #include "records.h"
-#include "session.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 // The bci command: shows, makes, converts and judges signals of the board control interface.
 
 #include "bciMsgRegistration.h"
+#include "commandIo.h"
 #include "input.h"
-#include "session.h"
 #include "verbs.h"
 
 #include <CLI/CLI.hpp>

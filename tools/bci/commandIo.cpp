@@ -1,4 +1,4 @@
-#include "session.h"
+#include "commandIo.h"
 
 #include "output.h"
 
