@@ -365,9 +365,7 @@ protected:
         bci::tool::Buffer rows;
         bci::tool::MemoryStream stream(input);
         bci::tool::RowWriter writer(rows, [] {});
-        bci::tool::RecordReader<bci::tool::RowWriter>("in", bci::tool::Packing::automatic, writer,
-                                                      bci::tool::readRow)
-            .readAll(stream);
+        bci::tool::RecordReader<bci::tool::RowWriter>("in", bci::tool::Packing::automatic, writer).readAll(stream);
         return std::string(rows.text());
     }
 
@@ -474,8 +472,7 @@ protected:
                 covered = offset + size;
             });
         bci::tool::MemoryStream stream(input);
-        bci::tool::RecordReader<bci::tool::Collector>("in", bci::tool::Packing::automatic, collector,
-                                                      bci::tool::readRow)
+        bci::tool::RecordReader<bci::tool::Collector>("in", bci::tool::Packing::automatic, collector)
             .readAll(stream);
         skipTo(input.size());
     }

@@ -78,7 +78,7 @@ std::string recordsOf(ByteStream& stream, Packing packing = Packing::automatic)
             }
             text += "\n";
         });
-    RecordReader<Collector>("in", packing, collector, readRow).readAll(stream);
+    RecordReader<Collector>("in", packing, collector).readAll(stream);
     return text;
 }
 
@@ -98,7 +98,7 @@ std::string whatOf(std::string_view input)
 {
     MemoryStream stream(input);
     Collector collector([](const Item& /*item*/, const Record& /*record*/) {});
-    return RecordReader<Collector>("in", Packing::automatic, collector, readRow).readAll(stream);
+    return RecordReader<Collector>("in", Packing::automatic, collector).readAll(stream);
 }
 
 const std::string kBig = bytes("\1\x65\x84\1\0\0\0\1\0\0\0\2\0\3");
@@ -426,6 +426,21 @@ TEST(Records, OfAllFormsMayStandInOneInput)
                   "8 @279 in:19:1 text BciGenericMsg '23430144:1:2:'\n");
 }
 
+// Packets count by themselves, however many records each of them holds.
+TEST(Records, MayBeSeveralInWhatCarriesThem)
+{
+    const std::string two = std::string(kBig) + std::string(kBig);
+    EXPECT_EQ(recordsOf(pcapHeader() + pcapPacket("", two) + pcapPacket("", "abc"), Packing::automatic),
+              "1 @40 in: packet 1, offset 0 binary BciAuditCfm " + quote(kBig) +
+                  " 1970-01-01T00:00:00.000000000Z\n" + "2 @40 in: packet 1, offset 14 binary BciAuditCfm " +
+                  quote(kBig) + " 1970-01-01T00:00:00.000000000Z\n" +
+                  "3 @84 in: packet 2, offset 0 no form no signal 'abc' 1970-01-01T00:00:00.000000000Z" +
+                  " unknown-record in: packet 2, offset 0\n");
+    EXPECT_EQ(recordsOf("- rx text " + encodeHex("23430145:1:2:3:23430144:1:2:") + "\n", Packing::automatic),
+              "1 @0 in:1:11 text BciAuditCfm '23430145:1:2:3:' rx\n"
+              "2 @0 in:1:41 text BciGenericMsg '23430144:1:2:' rx\n");
+}
+
 TEST(Records, AreOnlyWhatTheyAreSaidToBe)
 {
     EXPECT_EQ(recordsOf("23430145:1:2:3:\n" + std::string(kHex) + "\n", Packing::text),
@@ -551,7 +566,7 @@ std::string listOf(const std::string& input)
 {
     MemoryStream stream(input);
     ListJob job;
-    RecordReader<Collector>("in", Packing::automatic, job.sink(), readRow).readAll(stream);
+    RecordReader<Collector>("in", Packing::automatic, job.sink()).readAll(stream);
     return job.text;
 }
 

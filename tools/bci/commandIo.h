@@ -180,7 +180,7 @@ int readInputs(const Inputs& inputs, Sink& sink, const Flush& flush)
     return forEachInput(inputs, flush,
                         [&](const std::string& name, ByteStream& input)
                         {
-                            RecordReader<Sink> reader(name, inputs.packing(), sink, readRow);
+                            RecordReader<Sink> reader(name, inputs.packing(), sink);
                             reader.onPause(flush);
                             return reader.readAll(input);
                         });
@@ -196,7 +196,7 @@ int readInputs(const Inputs& inputs, unsigned int jobs, Sink& sink, const Flush&
                         {
                             begin();
                             Window window(input);
-                            RecordReader<Sink> reader(name, inputs.packing(), sink, readRow);
+                            RecordReader<Sink> reader(name, inputs.packing(), sink);
                             if (reader.packingOf(window.ahead(kReach)) != Packing::text)
                             {
                                 return reader.readAll(window);

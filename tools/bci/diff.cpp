@@ -82,7 +82,7 @@ private:
         {
             const std::unique_ptr<ByteStream> input = openInput(file);
             Collector collector([this](const Item& item, const Record& record) { add(item, record); });
-            RecordReader<Collector> reader(displayName(file), packing, collector, readRow);
+            RecordReader<Collector> reader(displayName(file), packing, collector);
             reader.readAll(*input);
         }
         catch (const Unwanted&)

@@ -74,8 +74,7 @@ class Filter
 {
 public:
     Filter(const std::string& fileName, Packing packing, const LineLayout& layout, bool hasNumbers, Output& output)
-        : m_layout(layout), m_rows(output.buffer(), [] {}),
-          m_reader(displayName(fileName), packing, m_rows, readRow)
+        : m_layout(layout), m_rows(output.buffer(), [] {}), m_reader(displayName(fileName), packing, m_rows)
     {
         if (!hasNumbers)
         {

@@ -159,7 +159,7 @@ private:
         const std::string_view skipped = std::string_view(piece.bytes).substr(0, from);
         MemoryStream stream(std::string_view(piece.bytes).substr(from));
         Window window(stream);
-        RecordReader reader(m_inputName, m_packing, piece.job.sink(), readRow);
+        RecordReader reader(m_inputName, m_packing, piece.job.sink());
         reader.startAt(piece.begin + from,
                        piece.line + static_cast<std::uint64_t>(std::count(skipped.begin(), skipped.end(), '\n')),
                        column);

@@ -919,6 +919,31 @@ private:
     [[no_unique_address]] std::conditional_t<form == Form::xml, Elements, NoElements> m_elements;
 };
 
+// A sink for a reading of which only the result counts.
+class Trial
+{
+public:
+    static constexpr bool kNeedsStructure = false;
+
+    char* structure(std::size_t size)
+    {
+        m_structure.resize(std::max(size, m_structure.size()));
+        return m_structure.data();
+    }
+
+    void number(const FieldPlace& /*place*/, std::int64_t /*value*/, std::string_view /*digits*/,
+                std::size_t /*position*/)
+    {
+    }
+    void text(const FieldPlace& /*place*/, std::string_view /*characters*/, std::size_t /*position*/) {}
+    void block(const FieldPlace& /*place*/, std::string_view /*bytes*/, std::size_t /*position*/) {}
+    void nothing(const FieldPlace& /*place*/, bool /*raw*/) {}
+    void finding(const Finding& /*finding*/) {}
+
+private:
+    std::vector<char> m_structure;
+};
+
 template <typename Sink>
 Reading read(const Rendering& rendering, Sink& sink)
 {

@@ -120,7 +120,7 @@ std::string placeOf(const Item& item, std::size_t position)
     }
     if (item.carrier == Carrier::packet)
     {
-        return place + ": packet " + std::to_string(item.record) + ", offset " +
+        return place + ": packet " + std::to_string(item.packet) + ", offset " +
                std::to_string(item.skipped + position);
     }
     return place + ": offset " + std::to_string(item.offset + position);

@@ -52,7 +52,8 @@ struct Item
     bool hasForm = true; // false: no form was recognised
     Carrier carrier = Carrier::plain;
     std::string_view input;     // name, to be shown
-    std::uint64_t record = 0;   // from 1; the number of the packet in a capture
+    std::uint64_t record = 0;   // from 1
+    std::uint64_t packet = 0;   // of a capture, from 1
     std::uint64_t offset = 0;   // in the input, in bytes, what it was packed in taken off
     std::uint64_t line = 0;     // from 1; 0 if the input has no lines
     std::size_t column = 1;     // of the rendering's first byte, or its first digit, in bytes
@@ -77,10 +78,7 @@ std::string placeOf(const Item& item, std::size_t position);
 // What a rendering is by its beginning: true with the form, and the signal if it is known. False if it is none.
 bool recognise(std::string_view bytes, Rendering& rendering);
 
-// Makes the rendering of a row. Returns what is wrong with the row, empty if nothing.
-using ReadRow = std::function<std::string(std::string_view row, std::string& bytes, Rendering& rendering)>;
-
-// The one that all verbs use.
+// Makes the rendering of a row, as encode does. Returns what is wrong with the row, empty if nothing.
 std::string readRow(std::string_view row, std::string& bytes, Rendering& rendering);
 
 // Bytes of an input that are looked at together. No record is longer, and neither is what a row shows of what is
@@ -95,8 +93,8 @@ template <typename Sink>
 class RecordReader
 {
 public:
-    RecordReader(std::string inputName, Packing packing, Sink& sink, ReadRow readRow = {})
-        : m_inputName(std::move(inputName)), m_packing(packing), m_sink(sink), m_readRow(std::move(readRow))
+    RecordReader(std::string inputName, Packing packing, Sink& sink)
+        : m_inputName(std::move(inputName)), m_packing(packing), m_sink(sink)
     {
     }
 
@@ -529,7 +527,7 @@ private:
         }
         m_line = 0;
         window.consume(kPcapFileHeader);
-        while (true)
+        for (std::uint64_t number = 1;; ++number)
         {
             const std::string_view header = window.ahead(kPcapPacketHeader);
             if (header.size() < kPcapPacketHeader)
@@ -537,25 +535,26 @@ private:
                 if (!header.empty())
                 {
                     throw Trouble(m_inputName + ": the capture ends within the header of packet " +
-                                  std::to_string(m_record + 1));
+                                  std::to_string(number));
                 }
                 return;
             }
             const PcapPacket packet = parsePacketHeader(format, header);
             if (packet.length > kReach)
             {
-                throw Trouble(m_inputName + ": packet " + std::to_string(m_record + 1) + " is said to have " +
+                throw Trouble(m_inputName + ": packet " + std::to_string(number) + " is said to have " +
                               std::to_string(packet.length) + " bytes, more than any signal has");
             }
             window.consume(kPcapPacketHeader);
             const std::string_view ahead = window.ahead(packet.length);
             Item item = newItem(window.offset());
             item.carrier = Carrier::packet;
+            item.packet = number;
             item.time = packet.time;
             readBytes(item, ahead.substr(0, packet.length));
             if (ahead.size() < packet.length)
             {
-                throw Trouble(m_inputName + ": the capture ends within packet " + std::to_string(m_record));
+                throw Trouble(m_inputName + ": the capture ends within packet " + std::to_string(number));
             }
             window.consume(packet.length);
         }
@@ -620,31 +619,6 @@ private:
     {
         return isBinary ? beginsBinary(bytes) : textSignal(bytes) != nullptr;
     }
-
-    // A sink for a reading of which only the result counts.
-    class Trial
-    {
-    public:
-        static constexpr bool kNeedsStructure = false;
-
-        char* structure(std::size_t size)
-        {
-            m_structure.resize(size);
-            return m_structure.data();
-        }
-
-        void number(const FieldPlace& /*place*/, std::int64_t /*value*/, std::string_view /*digits*/,
-                    std::size_t /*position*/)
-        {
-        }
-        void text(const FieldPlace& /*place*/, std::string_view /*characters*/, std::size_t /*position*/) {}
-        void block(const FieldPlace& /*place*/, std::string_view /*bytes*/, std::size_t /*position*/) {}
-        void nothing(const FieldPlace& /*place*/, bool /*raw*/) {}
-        void finding(const Finding& /*finding*/) {}
-
-    private:
-        std::vector<char> m_structure;
-    };
 
     // ---- lines
 
@@ -903,13 +877,13 @@ private:
     }
 
     // A line that is neither text nor XML. `following` are the lines behind it, of which those that go on with its
-    // hex digits are its own. Returns how many bytes of them it takes.
+    // digits are its own. Returns how many bytes of them it takes.
     std::size_t readOtherLine(Item& item, std::string_view line, std::string_view following)
     {
         if (takes(Packing::ndjson) && line.starts_with('{'))
         {
             nameFirst("a row of NDJSON, by its '{'");
-            readRow(item, line);
+            readRowOf(item, line);
             return 0;
         }
         if (takes(Packing::trace))
@@ -924,7 +898,13 @@ private:
                 item.digits = line.substr(digits);
                 item.column += digits;
                 m_decoded = std::move(trace->bytes);
-                readDecoded(item, trace->form);
+                if (trace->form == Form::text && textSignal(m_decoded) == nullptr)
+                {
+                    item.rendering = {m_decoded, Form::text, std::endian::big, nullptr};
+                    refuse(item); // as what it is said to be
+                    return 0;
+                }
+                readBytes(item, m_decoded);
                 return 0;
             }
         }
@@ -990,27 +970,16 @@ private:
         item.digits = {line.data(),
                        used == 0 ? line.size() : static_cast<std::size_t>(following.data() + used - line.data())};
         m_decoded = std::move(*bytes);
-        readDecoded(item, std::nullopt);
+        readBytes(item, m_decoded);
         return used;
     }
 
-    void readDecoded(Item& item, std::optional<Form> form)
-    {
-        if (form && *form == Form::text)
-        {
-            item.rendering = {m_decoded, Form::text, std::endian::big, textSignal(m_decoded)};
-            readWhole(item);
-            return;
-        }
-        readBytes(item, m_decoded);
-    }
-
-    void readRow(Item& item, std::string_view line)
+    void readRowOf(Item& item, std::string_view line)
     {
         item.carrier = Carrier::row;
         item.rendering.bytes = line;
         item.hasForm = false;
-        std::string wrong = m_readRow ? m_readRow(line, m_decoded, item.rendering) : "no row is wanted here";
+        std::string wrong = readRow(line, m_decoded, item.rendering);
         if (!wrong.empty())
         {
             item.rendering = {};
@@ -1031,7 +1000,6 @@ private:
     std::string m_inputName;
     Packing m_packing;
     Sink& m_sink;
-    ReadRow m_readRow;
     std::uint64_t m_baseOffset = 0;
     std::uint64_t m_record = 0;
     std::uint64_t m_line = 1;

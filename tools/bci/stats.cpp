@@ -17,25 +17,9 @@ namespace
 {
 
 // A sink that counts.
-class Counter
+class Counter : public Trial
 {
 public:
-    static constexpr bool kNeedsStructure = false;
-
-    char* structure(std::size_t size)
-    {
-        m_structure.resize(std::max(size, m_structure.size()));
-        return m_structure.data();
-    }
-
-    void number(const FieldPlace& /*place*/, std::int64_t /*value*/, std::string_view /*digits*/,
-                std::size_t /*position*/)
-    {
-    }
-    void text(const FieldPlace& /*place*/, std::string_view /*characters*/, std::size_t /*position*/) {}
-    void block(const FieldPlace& /*place*/, std::string_view /*bytes*/, std::size_t /*position*/) {}
-    void nothing(const FieldPlace& /*place*/, bool /*raw*/) {}
-
     void finding(const Finding& finding)
     {
         m_found.push_back(finding.code);
@@ -108,7 +92,6 @@ public:
     std::vector<std::uint64_t> found = std::vector<std::uint64_t>(codes().size());
 
 private:
-    std::vector<char> m_structure;
     std::vector<Code> m_found;
 };
 
