@@ -1,4 +1,4 @@
-#include "allocationCount.h"
+#include "heap.h"
 
 #include <cstddef>
 
@@ -13,29 +13,25 @@
 namespace
 {
 
-unsigned long counted = 0;
-unsigned int pauses = 0;
-
-void count()
-{
-    counted += pauses == 0 ? 1 : 0;
-}
+unsigned long askedFor = 0;
+unsigned long held = 0;
+unsigned long untilFailure = 0;
 
 } // namespace
 
-unsigned long allocationCount()
+unsigned long blocksAskedFor()
 {
-    return counted;
+    return askedFor;
 }
 
-Uncounted::Uncounted()
+unsigned long blocksHeld()
 {
-    ++pauses;
+    return held;
 }
 
-Uncounted::~Uncounted()
+void failAllocation(unsigned long number)
 {
-    --pauses;
+    untilFailure = number;
 }
 
 #if defined(TESTS_ADDRESS_SANITIZER)
@@ -46,7 +42,12 @@ namespace
 {
 
 const bool installed = __sanitizer_install_malloc_and_free_hooks(
-                           [](const volatile void*, std::size_t) { count(); }, [](const volatile void*) {}) != 0;
+                           [](const volatile void*, std::size_t)
+                           {
+                               ++askedFor;
+                               ++held;
+                           },
+                           [](const volatile void*) { --held; }) != 0;
 
 } // namespace
 
@@ -60,29 +61,45 @@ extern "C" void* __libc_malloc(std::size_t size);                          // NO
 extern "C" void* __libc_calloc(std::size_t count, std::size_t size);       // NOLINT
 extern "C" void* __libc_realloc(void* block, std::size_t size);            // NOLINT
 extern "C" void* __libc_memalign(std::size_t alignment, std::size_t size); // NOLINT
+extern "C" void __libc_free(void* block);                                  // NOLINT
+
+namespace
+{
+
+// Whether the next allocation finds memory.
+bool succeeds()
+{
+    ++askedFor;
+    const bool isThere = untilFailure == 0 || --untilFailure != 0;
+    held += isThere ? 1 : 0;
+    return isThere;
+}
+
+} // namespace
 
 extern "C" void* malloc(std::size_t size) noexcept
 {
-    count();
-    return __libc_malloc(size);
+    return succeeds() ? __libc_malloc(size) : nullptr;
 }
 
 extern "C" void* calloc(std::size_t number, std::size_t size) noexcept
 {
-    count();
-    return __libc_calloc(number, size);
+    return succeeds() ? __libc_calloc(number, size) : nullptr;
 }
 
 extern "C" void* realloc(void* block, std::size_t size) noexcept
 {
-    count();
+    if (!succeeds())
+    {
+        return nullptr;
+    }
+    held -= block != nullptr ? 1 : 0;
     return __libc_realloc(block, size);
 }
 
 extern "C" void* memalign(std::size_t alignment, std::size_t size) noexcept
 {
-    count();
-    return __libc_memalign(alignment, size);
+    return succeeds() ? __libc_memalign(alignment, size) : nullptr;
 }
 
 extern "C" void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept
@@ -94,6 +111,12 @@ extern "C" int posix_memalign(void** block, std::size_t alignment, std::size_t s
 {
     *block = memalign(alignment, size);
     return *block != nullptr ? 0 : ENOMEM;
+}
+
+extern "C" void free(void* block) noexcept
+{
+    held -= block != nullptr ? 1 : 0;
+    __libc_free(block);
 }
 
 #endif
