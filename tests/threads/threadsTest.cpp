@@ -49,37 +49,45 @@ constexpr Form kForms[] = {
      &BciMessageBase::instantiateBciMsgFromXml},
 };
 
+// A new message that holds nothing but zeros, where reading leaves what was there.
+std::unique_ptr<BciMessageBase> emptyMessage(SIGSELECT sigNo)
+{
+    BciMessageBase* message = nullptr;
+    BciMessageBase::instantiateBciMsg(sigNo, message);
+    const std::vector<char> zeros(8192); // more than any has
+    message->setMsg(zeros.data());
+    return std::unique_ptr<BciMessageBase>(message);
+}
+
 // One message through all that the library offers; everything that there is to see goes into `seen`.
 void useMessage(const Content& content, std::string& seen)
 {
     std::string text = content.text;
     auto length = static_cast<unsigned int>(text.size() + 1);
-    BciMessageBase* message = nullptr;
-    BciMessageBase::instantiateBciMsg(static_cast<SIGSELECT>(std::stoul(text)), message);
-    const std::unique_ptr<BciMessageBase> owned(message);
-    const std::vector<char> zeros(8192); // behind texts, where reading leaves what was there
-    message->setMsg(zeros.data());
+    const auto sigNo = static_cast<SIGSELECT>(std::stoul(text));
+    const std::unique_ptr<BciMessageBase> message = emptyMessage(sigNo);
     message->deserializeFromText(text.data(), length);
     for (const Form& form : kForms)
     {
-        for (const unsigned int size : {20000U, 40U}) // ample, and short for all but a few
-        {
-            std::vector<char> buffer(size + 1);
-            length = size;
-            const bool written = (message->*form.write)(buffer.data(), length);
-            seen.append(buffer.data(), length).append(written ? "+" : "-");
-            BciMessageBase* another = nullptr;
-            length = size;
-            const bool read = form.instantiate(buffer.data(), length, another);
-            seen += std::to_string(length) + (read ? "+" : "-");
-            if (read)
-            {
-                length = size;
-                (another->*form.read)(buffer.data(), length);
-                seen += std::to_string(another->getSigNo());
-            }
-            delete another;
-        }
+        std::vector<char> buffer(20000);
+        length = 20000;
+        const bool written = (message.get()->*form.write)(buffer.data(), length);
+        seen.append(buffer.data(), length).append(written ? "+" : "-");
+        BciMessageBase* another = nullptr;
+        const bool read = form.instantiate(buffer.data(), length, another);
+        seen += std::to_string(length) + (read ? "+" : "-");
+        delete another;
+
+        std::vector<char> small(41); // too small for all but a few, and a zero behind it
+        length = 40;
+        const bool cut = (message.get()->*form.write)(small.data(), length);
+        seen.append(small.data(), length).append(cut ? "+" : "-");
+        const std::unique_ptr<BciMessageBase> target = emptyMessage(sigNo);
+        const bool reread = (target.get()->*form.read)(small.data(), length);
+        seen += std::to_string(length) + (reread ? "+" : "-");
+        length = 20000;
+        (target.get()->*form.write)(buffer.data(), length);
+        seen.append(buffer.data(), length);
     }
     char document[] = "<a>1</a><b>2</b>";
     char value[8] = "";
