@@ -140,11 +140,16 @@ std::vector<const Signal*> findSignals(std::string_view numberNameOrClass)
 std::vector<std::string> nearest(std::string_view name, std::span<const std::string> names)
 {
     constexpr std::size_t kMost = 3;
+    constexpr std::size_t kDressing = 8; // more than what bare() takes away
     const std::string wanted = lowered(name);
     std::vector<std::pair<std::size_t, const std::string*>> near;
     for (const std::string& candidate : names)
     {
         const std::string other = lowered(candidate);
+        if (wanted.size() > other.size() + other.size() / 3 + kDressing)
+        {
+            continue; // far in any case, and comparing takes the product of both sizes
+        }
         std::size_t far = std::min(distance(wanted, other), distance(bare(wanted), bare(other)));
         if (wanted.size() >= 3 && other.find(wanted) != std::string::npos)
         {
