@@ -1,0 +1,8 @@
+// Any bytes read as the XML form of a message of any class, which holds something already.
+
+#include "messages.h"
+
+void bci::fuzz::run(Input input, Trace& trace)
+{
+    deserialize(input, Form::xml, trace);
+}

@@ -1,0 +1,8 @@
+// A message made of any bytes that may be its XML form.
+
+#include "messages.h"
+
+void bci::fuzz::run(Input input, Trace& trace)
+{
+    instantiate(input, Form::xml, trace);
+}

@@ -1,0 +1,426 @@
+#include "messages.h"
+
+#include "bciMsgRegistration.h"
+#include "codec/schema.h"
+#include "reading.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <set>
+
+namespace bci::fuzz
+{
+
+namespace
+{
+
+using codec::Field;
+using codec::Kind;
+using codec::Subscripts;
+
+constexpr std::size_t kMostStructure = 4120;
+constexpr unsigned int kMostWritten = 32768;
+
+class Filler : public codec::Visitor
+{
+public:
+    explicit Filler(Input& input) : m_input(input) {}
+
+    void field(const Field& field, char* base, const Subscripts* /*subscripts*/) override
+    {
+        if (field.kind == Kind::text)
+        {
+            bytes(base + field.offset, field.size);
+            return;
+        }
+        storeNumber(field, static_cast<std::int64_t>(m_input.number(field.size)), base);
+    }
+
+    void beginEntries(const codec::LogEntries& entries, std::int64_t /*count*/, char* base) override
+    {
+        bytes(base + entries.array->offset, entries.array->size);
+    }
+
+    void entry(const Field& /*entry*/, char* /*base*/, const Subscripts& /*subscripts*/) override {}
+
+    void block(const Field& block, char* base) override
+    {
+        bytes(base + block.offset, block.size);
+    }
+
+private:
+    void bytes(char* to, std::size_t size)
+    {
+        const std::string_view given = m_input.take(size);
+        std::fill(std::copy(given.begin(), given.end(), to), to + size, '\0');
+    }
+
+    Input& m_input;
+};
+
+// Every number the same.
+class Leveller : public codec::Visitor
+{
+public:
+    explicit Leveller(int value) : m_value(value) {}
+
+    void field(const Field& field, char* base, const Subscripts* /*subscripts*/) override
+    {
+        if (field.kind != Kind::text)
+        {
+            storeNumber(field, m_value, base);
+        }
+    }
+
+    void entry(const Field& /*entry*/, char* /*base*/, const Subscripts& /*subscripts*/) override {}
+    void block(const Field& /*block*/, char* /*base*/) override {}
+
+private:
+    int m_value;
+};
+
+// The values as the form has them, and of the other bytes a sum that does not depend on their order within a word.
+class Noter : public codec::Visitor
+{
+public:
+    explicit Noter(char* structure) : m_structure(structure) {}
+
+    void field(const Field& field, char* base, const Subscripts* /*subscripts*/) override
+    {
+        const auto value = static_cast<std::uint64_t>(loadNumber(field, base));
+        for (int shift = 8 * (field.size - 1); field.kind != Kind::text && shift >= 0; shift -= 8)
+        {
+            m_values += static_cast<char>(value >> shift);
+        }
+        m_values.append(base + field.offset, field.kind == Kind::text ? field.size : 0);
+        see(base + field.offset, field.size);
+    }
+
+    void beginEntries(const codec::LogEntries& entries, std::int64_t /*count*/, char* base) override
+    {
+        field(*entries.array, base, nullptr);
+    }
+
+    void entry(const Field& /*entry*/, char* /*base*/, const Subscripts& /*subscripts*/) override {}
+
+    void block(const Field& block, char* base) override
+    {
+        m_values.append(base + block.offset, block.size);
+        see(base + block.offset, block.size);
+    }
+
+    const std::string& values() const
+    {
+        return m_values;
+    }
+
+    void addTo(Trace& trace, std::size_t size) const
+    {
+        std::uint64_t others = 0;
+        for (std::size_t i = 0; i < size; ++i)
+        {
+            others += m_isSeen[i] ? 0 : (i / 4 + 1) * (static_cast<unsigned char>(m_structure[i]) + 1U);
+        }
+        trace.add("values", m_values);
+        trace.add("other bytes", static_cast<std::int64_t>(others));
+    }
+
+private:
+    void see(const char* from, std::size_t size)
+    {
+        std::memset(m_isSeen.data() + (from - m_structure), 1, size);
+    }
+
+    char* m_structure;
+    std::string m_values;
+    std::array<char, kMostStructure> m_isSeen = {};
+};
+
+// Takes no more than the structure of what is read strictly.
+struct StrictSink
+{
+    static constexpr bool kNeedsStructure = true;
+
+    char* structure(std::size_t size)
+    {
+        expect(size <= room.size(), "a structure is larger than all");
+        return room.data();
+    }
+
+    void number(const tool::FieldPlace&, std::int64_t, std::string_view, std::size_t) {}
+    void text(const tool::FieldPlace&, std::string_view, std::size_t) {}
+    void block(const tool::FieldPlace&, std::string_view, std::size_t) {}
+    void nothing(const tool::FieldPlace&, bool) {}
+    void finding(const tool::Finding& finding)
+    {
+        isDamaged = isDamaged || tool::info(finding.code).severity == tool::Severity::damage;
+        isNoted = true;
+    }
+
+    std::array<char, kMostStructure> room;
+    bool isDamaged = false;
+    bool isNoted = false;
+};
+
+// Where a form does not promise that the codec reads what its own writer writes. `structure` is what was written.
+bool isPromised(const Signal& signal, Form form, char* structure)
+{
+    const std::string_view name = signal.shape->className;
+    const std::vector<codec::Leaf> fields = leaves(*signal.shape, structure);
+    const auto isAny = [&fields](auto condition) { return std::any_of(fields.begin(), fields.end(), condition); };
+    if (form == Form::xml)
+    {
+        // The one's last element is closed by another's name, the other's twelfth entry is looked up by a wrong
+        // one; and of two elements of a name, as two capabilities of one identity have them, the first is read
+        // twice.
+        std::set<std::string_view> names;
+        return name != "BciLoadLmcAck" &&
+               !isAny([&names](const codec::Leaf& leaf)
+                      { return leaf.name == "hwLogData_11" || !names.insert(leaf.name).second; });
+    }
+    if (form == Form::text)
+    {
+        // An empty list has a ':' that is not read; the least number is not read; a block ends at its first ':'.
+        return !isAny(
+            [](const codec::Leaf& leaf)
+            {
+                if (leaf.raw)
+                {
+                    return std::memchr(leaf.base + leaf.field.offset, ':', leaf.field.size) != nullptr;
+                }
+                const std::int64_t value = loadNumber(leaf.field, leaf.base);
+                return (leaf.name == "additionalDataLength" && value == 0) ||
+                       (leaf.field.kind == Kind::s32 && value == -0x80000000LL);
+            });
+    }
+    return true;
+}
+
+std::map<SIGSELECT, BciMsgFactory> factories;
+SIGSELECT instantiated = 0;
+
+// What memory holds by chance is a part of what comes out, so all of it is written before.
+BciMessageBase* makeFilled(SIGSELECT sigNo)
+{
+    static const std::string bytes(kMostStructure, '\xA5');
+    BciMessageBase* const message = factories.at(sigNo)(sigNo);
+    message->setMsg(bytes.data());
+    instantiated = sigNo;
+    return message;
+}
+
+const bool isRegistered = []
+{
+    BciMsgRegistry::registerSupportedMsgClasses();
+    factories = BciMessageBase::s_bciRegistrationMap;
+    for (auto& [number, factory] : BciMessageBase::s_bciRegistrationMap)
+    {
+        factory = makeFilled;
+    }
+    return true;
+}();
+
+} // namespace
+
+const std::vector<Signal>& classes()
+{
+    static const std::vector<Signal> all = []
+    {
+        std::map<std::string, Signal> byName;
+        for (const Signal& signal : signals())
+        {
+            byName.emplace(signal.shape->className, signal);
+        }
+        std::vector<Signal> result;
+        for (const auto& [name, signal] : byName)
+        {
+            result.push_back(signal);
+        }
+        return result;
+    }();
+    return all;
+}
+
+const Signal& classOf(Input& input)
+{
+    return classes()[input.byte() % classes().size()];
+}
+
+BciMessageBase& messageOf(const Signal& signal)
+{
+    static std::map<SIGSELECT, std::unique_ptr<BciMessageBase>> messages;
+    std::unique_ptr<BciMessageBase>& message = messages[signal.number];
+    if (message == nullptr)
+    {
+        message.reset(makeFilled(signal.number));
+    }
+    return *message;
+}
+
+void fill(const Signal& signal, BciMessageBase& message, char beyond, Input& input)
+{
+    std::array<char, kMostStructure> structure;
+    structure.fill(beyond);
+    Filler filler(input);
+    walk(*signal.shape, structure.data(), filler);
+    message.setMsg(structure.data());
+}
+
+void fill(const Signal& signal, BciMessageBase& message, std::uint8_t value)
+{
+    std::array<char, kMostStructure> structure;
+    structure.fill(static_cast<char>(value));
+    if (value >= 0x80)
+    {
+        Leveller leveller(value & 0x1F);
+        walk(*signal.shape, structure.data(), leveller);
+    }
+    message.setMsg(structure.data());
+}
+
+std::string valuesOf(const Signal& signal, const BciMessageBase& message)
+{
+    Noter noter(message.getMsg());
+    walk(*signal.shape, message.getMsg(), noter);
+    return noter.values();
+}
+
+void add(Trace& trace, const Signal& signal, const BciMessageBase& message)
+{
+    Noter noter(message.getMsg());
+    walk(*signal.shape, message.getMsg(), noter);
+    noter.addTo(trace, signal.shape->structureSize);
+}
+
+bool write(const BciMessageBase& message, Form form, char* buffer, unsigned int& length)
+{
+    return form == Form::text     ? message.serializeToText(buffer, length)
+           : form == Form::binary ? message.serializeToBinary(buffer, length)
+                                  : message.serializeToXml(buffer, length);
+}
+
+bool read(BciMessageBase& message, Form form, char* buffer, unsigned int& length)
+{
+    return form == Form::text     ? message.deserializeFromText(buffer, length)
+           : form == Form::binary ? message.deserializeFromBinary(buffer, length)
+                                  : message.deserializeFromXml(buffer, length);
+}
+
+bool compareWithStrictReading(const Signal& signal, Form form, std::string_view rendering, bool result,
+                              const BciMessageBase& message)
+{
+    StrictSink sink;
+    const tool::Reading reading = tool::read({rendering, form, std::endian::native, &signal}, sink);
+    if (!reading.isComplete || sink.isDamaged || !isPromised(signal, form, sink.room.data()))
+    {
+        return false;
+    }
+    // One character more is what that reader wants.
+    expect(result || (form == Form::text && std::string_view(signal.shape->className) == "BciHwLogSetReqMsg"),
+           "refused what reads without a fault");
+    const std::vector<codec::Leaf> strict = leaves(*signal.shape, sink.room.data());
+    const std::vector<codec::Leaf> lenient = leaves(*signal.shape, message.getMsg());
+    expect(strict.size() == lenient.size(), "has not as many fields as a strict reading");
+    for (std::size_t i = 0; i < strict.size(); ++i)
+    {
+        const codec::Field& field = strict[i].field;
+        const char* const one = strict[i].base + field.offset;
+        const char* const two = lenient[i].base + field.offset;
+        bool isSame = false;
+        if (form == Form::xml && field.oddity == codec::Oddity::notReadFromXml)
+        {
+            isSame = true;
+        }
+        else if (strict[i].raw)
+        {
+            isSame = std::memcmp(one, two, field.size) == 0;
+        }
+        else if (field.kind == Kind::text)
+        {
+            isSame = std::string_view(one, strnlen(one, field.size)) ==
+                     std::string_view(two, strnlen(two, lenient[i].field.size));
+        }
+        else
+        {
+            std::int64_t value = loadNumber(field, strict[i].base);
+            if (form == Form::xml)
+            {
+                value = std::min<std::int64_t>(value, 0x7FFFFFFF);
+            }
+            isSame = value == loadNumber(field, lenient[i].base);
+        }
+        if (!isSame)
+        {
+            fail(strict[i].name + " is read otherwise than by a strict reading");
+        }
+    }
+    if (sink.isNoted)
+    {
+        return true;
+    }
+    BciMessageBase& again = messageOf(signal);
+    again.setMsg(sink.room.data());
+    static std::string written;
+    written.assign(kMostWritten, fillByte);
+    unsigned int length = kMostWritten;
+    expect(write(again, form, written.data(), length), "does not write what reads without a finding");
+    if (std::string_view(written).substr(0, length) != rendering.substr(0, reading.end))
+    {
+        fail("is written otherwise than it was read, without a finding: " + written.substr(0, length));
+    }
+    return true;
+}
+
+void instantiate(Input input, Form form, Trace& trace)
+{
+    const Guarded buffer(input.rest(), endOf(form));
+    if (form == Form::binary)
+    {
+        turnFirstWord(buffer.data(), buffer.size());
+    }
+    unsigned int length = buffer.size();
+    BciMessageBase* created = nullptr;
+    instantiated = 0;
+    const bool result =
+        form == Form::text     ? BciMessageBase::instantiateBciMsgFromText(buffer.data(), length, created)
+        : form == Form::binary ? BciMessageBase::instantiateBciMsgFromBinary(buffer.data(), length, created)
+                               : BciMessageBase::instantiateBciMsgFromXml(buffer.data(), length, created);
+    const std::unique_ptr<BciMessageBase> message(created);
+    trace.add("result", result);
+    trace.add("length", length);
+    trace.add("signal", instantiated);
+    expect(length <= buffer.size(), "consumed more than there was");
+    if (message == nullptr)
+    {
+        return;
+    }
+    const Signal& signal = *findSignal(instantiated);
+    add(trace, signal, *message);
+    const std::string_view bytes(buffer.data(), buffer.size());
+    compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, result, *message);
+}
+
+void deserialize(Input input, Form form, Trace& trace)
+{
+    const Signal& signal = classOf(input);
+    const std::unique_ptr<BciMessageBase> message(makeFilled(signal.number));
+    fill(signal, *message, input.byte());
+    const Guarded buffer(input.rest(), endOf(form));
+    if (form == Form::binary)
+    {
+        turnFirstWord(buffer.data(), buffer.size());
+    }
+    unsigned int length = buffer.size();
+    const bool result = read(*message, form, buffer.data(), length);
+    trace.add("result", result);
+    trace.add("length", length);
+    add(trace, signal, *message);
+    expect(length <= buffer.size(), "consumed more than there was");
+    const std::string_view bytes(buffer.data(), buffer.size());
+    compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, result, *message);
+}
+
+} // namespace bci::fuzz

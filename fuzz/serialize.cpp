@@ -1,0 +1,73 @@
+// Any wire structure written into a buffer of any size, and, where there was room, read back.
+
+#include "messages.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace bci::fuzz
+{
+
+namespace
+{
+
+constexpr unsigned int kRoom = 16384; // for any form of any message
+
+void writeTo(const Signal& signal, const BciMessageBase& message, Form form, unsigned int size, Trace& trace)
+{
+    const std::string before(message.getMsg(), signal.shape->structureSize);
+    const Guarded buffer(size);
+    unsigned int length = size;
+    const bool result = write(message, form, buffer.data(), length);
+    expect(length <= size, "wrote more than there is room for");
+    expect(std::all_of(buffer.data() + length, buffer.data() + size, [](char byte) { return byte == '\0'; }),
+           "something stands behind what was written");
+    expect(std::memcmp(before.data(), message.getMsg(), before.size()) == 0, "writing changed the message");
+    trace.add("result", result);
+    trace.add("length", length);
+    std::string written(buffer.data(), length);
+    if (form == Form::binary)
+    {
+        turnFirstWord(written.data(), written.size());
+    }
+    trace.add("bytes", written);
+    if (!result || size != kRoom)
+    {
+        return;
+    }
+    BciMessageBase& back = messageOf(signal);
+    fill(signal, back, std::uint8_t{0x5A});
+    const Guarded exact(std::string_view(buffer.data(), length), endOf(form));
+    unsigned int consumed = exact.size();
+    const bool isRead = read(back, form, exact.data(), consumed);
+    trace.add("read back", isRead);
+    trace.add("consumed", consumed);
+    add(trace, signal, back);
+    const std::string values = valuesOf(signal, back);
+    const std::string_view bytes(exact.data(), exact.size());
+    const bool isPromised =
+        compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, isRead, back);
+    // The binary form carries everything.
+    if (isPromised && form == Form::binary)
+    {
+        expect(consumed == length && values == valuesOf(signal, message), "does not read what it wrote");
+    }
+}
+
+} // namespace
+
+void run(Input input, Trace& trace)
+{
+    const Signal& signal = classOf(input);
+    const std::uint8_t how = input.byte();
+    const auto form = static_cast<Form>(how % 3);
+    const auto size = static_cast<unsigned int>(input.number(2)) % 8192;
+    BciMessageBase* created = nullptr;
+    expect(BciMessageBase::instantiateBciMsg(signal.number, created), "no message of a class");
+    const std::unique_ptr<BciMessageBase> message(created);
+    fill(signal, *message, static_cast<char>(how), input);
+    writeTo(signal, *message, form, size, trace);
+    writeTo(signal, *message, form, kRoom, trace);
+}
+
+} // namespace bci::fuzz
