@@ -21,7 +21,7 @@ int main(int argc, char** argv)
     namespace fs = std::filesystem;
     bool isTraced = false;
     std::vector<fs::path> files;
-    for (const std::string argument : std::vector<std::string>(argv + 1, argv + argc))
+    for (const std::string& argument : std::vector<std::string>(argv + 1, argv + argc))
     {
         if (argument == "--trace")
         {

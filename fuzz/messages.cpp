@@ -61,7 +61,7 @@ private:
     Input& m_input;
 };
 
-// Every number the same.
+// Every number the same, but in unions: of what one member has, another makes other numbers on another host.
 class Leveller : public codec::Visitor
 {
 public:
@@ -69,10 +69,20 @@ public:
 
     void field(const Field& field, char* base, const Subscripts* /*subscripts*/) override
     {
-        if (field.kind != Kind::text)
+        if (field.kind != Kind::text && !m_isInChoice)
         {
             storeNumber(field, m_value, base);
         }
+    }
+
+    void beginChoice(const codec::Choice& /*choice*/, const codec::Case* /*chosen*/, char* /*base*/) override
+    {
+        m_isInChoice = true;
+    }
+
+    void endChoice(const codec::Choice& /*choice*/, char* /*base*/) override
+    {
+        m_isInChoice = false;
     }
 
     void entry(const Field& /*entry*/, char* /*base*/, const Subscripts& /*subscripts*/) override {}
@@ -80,6 +90,7 @@ public:
 
 private:
     int m_value;
+    bool m_isInChoice = false;
 };
 
 // The values as the form has them, and of the other bytes a sum that does not depend on their order within a word.

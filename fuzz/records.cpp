@@ -33,7 +33,7 @@ std::string rowsOf(std::string_view bytes, tool::Packing packing, std::size_t pi
     tool::Buffer rows;
     tool::RowWriter writer(rows, [] {});
     Pipe pipe(bytes, piece);
-    tool::Window window(pipe, 4 * tool::kReach);
+    tool::Window window(pipe, 2 * tool::kReach);
     tool::RecordReader<tool::RowWriter> reader("in", packing, writer);
     try
     {

@@ -4,6 +4,7 @@
 #include "stream.h"
 
 #include <algorithm>
+#include <type_traits>
 
 namespace bci::fuzz
 {
@@ -209,7 +210,15 @@ void readOne(Stream& stream, bool isFirst, Trace& trace)
     const unsigned int before = stream.tellg();
     stream >> value;
     // Where nothing was read, the value is that from before, in the host's order.
-    trace.add("value", static_cast<std::int64_t>(inFirstOrder(value, isFirst && stream.tellg() != before)));
+    value = inFirstOrder(value, isFirst && stream.tellg() != before);
+    if constexpr (std::is_same_v<T, char>)
+    {
+        trace.add("value", static_cast<unsigned char>(value));
+    }
+    else
+    {
+        trace.add("value", static_cast<std::int64_t>(value));
+    }
 }
 
 template <typename Stream>
@@ -284,7 +293,7 @@ void readOwn(istream_text& stream, std::uint8_t operation, Input& input, Trace& 
     {
         char ch = 'Z';
         stream.get(ch);
-        trace.add("character", ch);
+        trace.add("character", static_cast<unsigned char>(ch));
         break;
     }
     case 1:
@@ -322,7 +331,7 @@ void readOwn(istream_binary& stream, std::uint8_t operation, Input& input, Trace
     {
         char ch = 'Z';
         stream.get(ch);
-        trace.add("character", ch);
+        trace.add("character", static_cast<unsigned char>(ch));
         break;
     }
     case 1:

@@ -44,7 +44,7 @@ void run(Input input, Trace& trace)
             }
         });
     tool::MemoryStream stream(std::string_view(bytes.data(), bytes.size()));
-    tool::Window window(stream, 4 * tool::kReach);
+    tool::Window window(stream, 2 * tool::kReach);
     try
     {
         trace.add("taken for", tool::RecordReader<tool::Collector>("in", packing, collector).readAll(window));
