@@ -324,6 +324,16 @@ TEST(RecordsOfBinary, StandBesideOtherBytes)
                   quote(kBig) + "\n");
 }
 
+// What an input is does not depend on how much of it has come by then.
+TEST(RecordsOfBinary, AreNotLookedForBehindALongBeginningWithoutControls)
+{
+    EXPECT_EQ(recordsOf(std::string(255, 'x') + kBig),
+              "1 @0 in: offset 0 no form no signal " + quote(std::string(255, 'x')) +
+                  " unknown-record in: offset 0\n2 @255 in: offset 255 binary BciAuditCfm " + quote(kBig) + "\n");
+    EXPECT_EQ(recordsOf(std::string(256, 'x') + kBig),
+              "1 @0 in:1:1 no form no signal " + quote(std::string(256, 'x') + kBig) + " unknown-record in:1:1\n");
+}
+
 // ---- digits
 
 TEST(RecordsOfDigits, AreHexOnOneLineOrSeveral)

@@ -197,7 +197,7 @@ int readInputs(const Inputs& inputs, unsigned int jobs, Sink& sink, const Flush&
                             begin();
                             Window window(input);
                             RecordReader<Sink> reader(name, inputs.packing(), sink);
-                            if (reader.packingOf(window.ahead(kReach)) != Packing::text)
+                            if (!reader.hasLines(window))
                             {
                                 return reader.readAll(window);
                             }

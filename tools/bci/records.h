@@ -121,22 +121,12 @@ public:
 
     std::string readAll(Window& window)
     {
-        // The first record of a log that is being written may be all there is for now.
-        std::string_view ahead = window.ahead(1);
-        if (textSignal(ahead) == nullptr)
+        if (hasBinaryBehind(window))
         {
-            ahead = window.ahead(kLongestDumpBeginning);
-            if (m_packing == Packing::automatic && packingOf(ahead) == Packing::text && hasControls(ahead))
-            {
-                ahead = window.ahead(kReach).substr(0, kReach);
-                const std::size_t binary = nextBinary(ahead, 0);
-                if (binary < ahead.size() && binary < firstLine(ahead))
-                {
-                    readBinary(window);
-                    return "binary, by a signal number that is not at its beginning";
-                }
-            }
+            readBinary(window);
+            return "binary, by a signal number that is not at its beginning";
         }
+        const std::string_view ahead = beginningOf(window);
         switch (packingOf(ahead))
         {
         case Packing::dump:
@@ -156,6 +146,12 @@ public:
             readLines(window, std::numeric_limits<std::uint64_t>::max());
             return "lines, each recognised by its own beginning; the first is " + m_firstLine;
         }
+    }
+
+    // Whether an input, of which nothing has been read, is one for readLines().
+    bool hasLines(Window& window) const
+    {
+        return packingOf(beginningOf(window)) == Packing::text && !hasBinaryBehind(window);
     }
 
     // What an input is by its beginning; `text` stands for lines of any kind.
@@ -252,6 +248,29 @@ public:
 
 private:
     static constexpr std::size_t kLongestDumpBeginning = 256; // bytes that isDump() wants to see
+
+    // What shows what an input is. It does not depend on how much of it has come by now.
+    static std::string_view beginningOf(Window& window)
+    {
+        // The first record of a log that is being written may be all there is for now.
+        const std::string_view ahead = window.ahead(1);
+        return textSignal(ahead) != nullptr ? ahead
+                                            : window.ahead(kLongestDumpBeginning).substr(0, kLongestDumpBeginning);
+    }
+
+    // Whether what begins neither as lines do nor in another way has a binary record further on.
+    bool hasBinaryBehind(Window& window) const
+    {
+        const std::string_view beginning = beginningOf(window);
+        if (m_packing != Packing::automatic || textSignal(beginning) != nullptr ||
+            packingOf(beginning) != Packing::text || !hasControls(beginning))
+        {
+            return false;
+        }
+        const std::string_view ahead = window.ahead(kReach).substr(0, kReach);
+        const std::size_t binary = nextBinary(ahead, 0);
+        return binary < ahead.size() && binary < firstLine(ahead);
+    }
 
     // What no line of text has.
     static bool hasControls(std::string_view bytes)
