@@ -210,6 +210,13 @@ bool isPromised(const Signal& signal, Form form, char* structure)
     return true;
 }
 
+// What holds after every reading.
+void expectOnlyRead(const Guarded& buffer, const std::string& before, unsigned int length)
+{
+    expect(length <= buffer.size(), "consumed more than there was");
+    expect(std::string_view(buffer.data(), buffer.size()) == before, "reading changed the buffer");
+}
+
 std::map<SIGSELECT, BciMsgFactory> factories;
 SIGSELECT instantiated = 0;
 
@@ -392,6 +399,7 @@ void instantiate(Input input, Form form, Trace& trace)
     {
         turnFirstWord(buffer.data(), buffer.size());
     }
+    const std::string before(buffer.data(), buffer.size());
     unsigned int length = buffer.size();
     BciMessageBase* created = nullptr;
     instantiated = 0;
@@ -403,7 +411,9 @@ void instantiate(Input input, Form form, Trace& trace)
     trace.add("result", result);
     trace.add("length", length);
     trace.add("signal", instantiated);
-    expect(length <= buffer.size(), "consumed more than there was");
+    expectOnlyRead(buffer, before, length);
+    expect(instantiated != 0 || length == buffer.size(),
+           "consumed something though there was no message to read it");
     if (message == nullptr)
     {
         return;
@@ -424,12 +434,13 @@ void deserialize(Input input, Form form, Trace& trace)
     {
         turnFirstWord(buffer.data(), buffer.size());
     }
+    const std::string before(buffer.data(), buffer.size());
     unsigned int length = buffer.size();
     const bool result = read(*message, form, buffer.data(), length);
     trace.add("result", result);
     trace.add("length", length);
     add(trace, signal, *message);
-    expect(length <= buffer.size(), "consumed more than there was");
+    expectOnlyRead(buffer, before, length);
     const std::string_view bytes(buffer.data(), buffer.size());
     compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, result, *message);
 }
