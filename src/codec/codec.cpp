@@ -62,9 +62,9 @@ private:
 
 void readNumber(const Field& field, char* to, istream_text& stream)
 {
-    const auto read = [&]<typename T>(T value)
+    const auto read = [&](auto value)
     {
-        value = peek<T>(to);
+        value = peek<decltype(value)>(to);
         stream >> value;
         poke(to, value);
     };

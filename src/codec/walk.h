@@ -12,7 +12,6 @@ namespace bci::codec
 {
 
 // `Visitor` has the functions of the class of that name; once its isOver() is true, it is told nothing more.
-// NOLINTBEGIN(misc-no-recursion): as deep as the shape
 template <typename Visitor>
 class Walker
 {
@@ -124,7 +123,6 @@ private:
     Visitor& m_visitor;
     const Subscripts* m_subscripts;
 };
-// NOLINTEND(misc-no-recursion)
 
 } // namespace bci::codec
 

@@ -355,7 +355,7 @@ protected:
     {
         std::vector<char> structure = randomStructure(form);
         storeNumber(shape().content.rows.front(), static_cast<std::int64_t>(GetParam().number), structure.data());
-        const std::string rendering = bci::tool::render(structure, GetParam(), form, firstWord);
+        std::string rendering = bci::tool::render(structure, GetParam(), form, firstWord);
         EXPECT_EQ(takeLog(), Log());
         return rendering;
     }

@@ -107,7 +107,7 @@ std::string undumped(const std::string& dump, std::size_t piece, std::size_t mos
 
 std::string undumped(const std::string& dump)
 {
-    const std::string bytes = undumped(dump, 1 << 20, 1 << 20);
+    std::string bytes = undumped(dump, 1 << 20, 1 << 20);
     EXPECT_EQ(undumped(dump, 1, 1), bytes);
     EXPECT_EQ(undumped(dump, 37, 5), bytes);
     return bytes;

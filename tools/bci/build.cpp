@@ -50,7 +50,6 @@ struct Names
     std::unordered_set<std::string> deciding; // counts, lengths and selectors
 };
 
-// NOLINTBEGIN(misc-no-recursion): as deep as the shape
 class NameCollector
 {
 public:
@@ -143,7 +142,6 @@ private:
     const Subscripts* m_subscripts;
     Conditions m_conditions;
 };
-// NOLINTEND(misc-no-recursion)
 
 const Names& namesOf(const codec::Shape& shape)
 {
@@ -512,7 +510,7 @@ private:
         {
             return std::string();
         }
-        const std::optional<std::string> bytes = decodeHex(digits);
+        std::optional<std::string> bytes = decodeHex(digits);
         if (!bytes && tell)
         {
             const bool onlyDigits =

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -145,9 +146,9 @@ void Progress::show(std::chrono::steady_clock::time_point now)
     std::string line = amount(static_cast<double>(m_done)) + ", " + amount(rate) + "/s";
     if (m_total > m_done)
     {
-        const auto left = static_cast<unsigned long>(static_cast<double>(m_total - m_done) / rate + 0.5);
+        const long left = std::lround(static_cast<double>(m_total - m_done) / rate);
         std::array<char, 40> time;
-        std::snprintf(time.data(), time.size(), ", %lu:%02lu left", left / 60, left % 60);
+        std::snprintf(time.data(), time.size(), ", %ld:%02ld left", left / 60, left % 60);
         line += " (" + std::to_string(m_done * 100 / m_total) + " %)" + time.data();
     }
     std::fprintf(stderr, "\r%s\x1B[K", line.c_str());
@@ -169,6 +170,7 @@ const std::vector<std::string>& packingNames()
     static const std::vector<std::string> names = []
     {
         std::vector<std::string> result;
+        result.reserve(kPackings.size());
         for (const PackingName& one : kPackings)
         {
             result.emplace_back(one.name);

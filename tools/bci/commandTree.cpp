@@ -61,7 +61,6 @@ Parameter parameterOf(const CLI::Option& option, const std::vector<std::string>&
     return parameter;
 }
 
-// NOLINTNEXTLINE(misc-no-recursion): as deep as the command
 Command commandOf(const CLI::App& app, const std::string& parent, const std::vector<std::string>& verbs)
 {
     Command command;

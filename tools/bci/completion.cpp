@@ -9,8 +9,6 @@ namespace bci::tool
 namespace
 {
 
-// NOLINTBEGIN(misc-no-recursion): as deep as the command
-
 // Calls a function with a command and all below it.
 template <typename Function>
 void forEach(const Command& command, Function function)
@@ -21,7 +19,6 @@ void forEach(const Command& command, Function function)
         forEach(sub, function);
     }
 }
-// NOLINTEND(misc-no-recursion)
 
 std::vector<std::string> namesOf(const std::vector<Command>& commands)
 {

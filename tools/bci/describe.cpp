@@ -110,8 +110,6 @@ bool hasElement(const Piece& piece)
     return piece.kind == Kind::field || piece.kind == Kind::entries || piece.kind == Kind::block;
 }
 
-// NOLINTBEGIN(misc-no-recursion): as deep as the message
-
 // Calls a function with every piece, what lies inside it too, in wire order.
 template <typename Function>
 void forEach(const std::vector<Piece>& pieces, Function function)
@@ -276,7 +274,6 @@ Json partsJson(const std::vector<Piece>& pieces, const char* source)
     }
     return parts;
 }
-// NOLINTEND(misc-no-recursion)
 
 std::string oddityText(const Piece& piece)
 {

@@ -126,7 +126,7 @@ const CodeInfo* findCode(std::string_view name)
 {
     const auto* const found =
         std::find_if(kCodes.begin(), kCodes.end(), [name](const CodeInfo& one) { return name == one.name; });
-    return found != kCodes.end() ? &*found : nullptr;
+    return found != kCodes.end() ? found : nullptr;
 }
 
 } // namespace bci::tool

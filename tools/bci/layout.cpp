@@ -52,7 +52,6 @@ unsigned int characters(std::int64_t number)
     return static_cast<unsigned int>(std::to_string(number).size());
 }
 
-// NOLINTBEGIN(misc-no-recursion): as deep as the shape
 class Builder
 {
 public:
@@ -183,7 +182,6 @@ private:
     unsigned int m_varying = 0;
     unsigned int m_mostText = 0;
 };
-// NOLINTEND(misc-no-recursion)
 
 } // namespace
 

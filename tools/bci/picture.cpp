@@ -51,7 +51,6 @@ std::string escaped(const std::string& text)
 class Picture
 {
 public:
-    // NOLINTBEGIN(misc-no-recursion): as deep as the message
     void draw(const std::vector<Piece>& pieces, const char* sign)
     {
         for (const Piece& piece : pieces)
@@ -82,7 +81,6 @@ public:
         }
         endRow();
     }
-    // NOLINTEND(misc-no-recursion)
 
     void heading(const std::string& title, const std::vector<std::string>& lines)
     {
@@ -227,7 +225,6 @@ private:
         label(x, middle, width, name, type);
     }
 
-    // NOLINTBEGIN(misc-no-recursion): as deep as the message
     void list(const Piece& piece, const char* sign)
     {
         endRow();
@@ -288,7 +285,6 @@ private:
             m_y += kGap;
         }
     }
-    // NOLINTEND(misc-no-recursion)
 
     std::string m_svg;
     double m_y = 0;

@@ -68,8 +68,8 @@ struct Range
 
 constexpr Range rangeOf(codec::Kind kind)
 {
-    constexpr auto limits = []<typename T>(T /*value*/) {
-        return Range{std::numeric_limits<T>::min(), std::numeric_limits<T>::max()};
+    constexpr auto limits = [](auto value) {
+        return Range{std::numeric_limits<decltype(value)>::min(), std::numeric_limits<decltype(value)>::max()};
     };
     switch (kind)
     {

@@ -194,8 +194,8 @@ public:
                 }
                 used = readNext(window, ahead, ahead.size() == kReach || ahead.size() < wanted);
             }
-            const auto end = ahead.begin() + static_cast<std::ptrdiff_t>(used);
-            m_line += static_cast<std::uint64_t>(std::count(ahead.begin(), end, '\n'));
+            const std::string_view taken = ahead.substr(0, used);
+            m_line += static_cast<std::uint64_t>(std::count(taken.begin(), taken.end(), '\n'));
             window.consume(used);
         }
     }
@@ -698,7 +698,7 @@ private:
         }
     }
 
-    std::size_t readText(Window& window, std::string_view ahead, const Signal& signal, bool isAll)
+    std::size_t readText(const Window& window, std::string_view ahead, const Signal& signal, bool isAll)
     {
         nameFirst("text, by the signal number in front of its first ':'");
         Item item = newItem(window.offset());
@@ -814,7 +814,7 @@ private:
         return bytes.size();
     }
 
-    std::size_t readXmlText(Window& window, std::string_view ahead)
+    std::size_t readXmlText(const Window& window, std::string_view ahead)
     {
         nameFirst("XML, by its first character");
         Item item = newItem(window.offset());

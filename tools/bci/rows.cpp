@@ -275,7 +275,9 @@ char* RowWriter::putKey(Buffer& out, const FieldPlace& place)
     const codec::Subscripts subscripts =
         place.subscripts != nullptr ? *place.subscripts : codec::Subscripts{kNoSubscript, kNoSubscript};
     const auto tag = reinterpret_cast<std::uintptr_t>(place.field.tag);
-    Key& key = m_keys[(tag ^ tag >> 10 ^ subscripts.first * 37U ^ subscripts.second * 149U) % m_keys.size()];
+    Key& key =
+        m_keys[(tag ^ tag >> 10 ^ subscripts.first * std::size_t{37} ^ subscripts.second * std::size_t{149}) %
+               m_keys.size()];
     if (key.tag != place.field.tag || key.subscripts.first != subscripts.first ||
         key.subscripts.second != subscripts.second)
     {
