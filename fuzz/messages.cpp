@@ -253,6 +253,7 @@ const std::vector<Signal>& classes()
             byName.emplace(signal.shape->className, signal);
         }
         std::vector<Signal> result;
+        result.reserve(byName.size());
         for (const auto& [name, signal] : byName)
         {
             result.push_back(signal);
