@@ -643,7 +643,7 @@ private:
 
     // Reads what comes next, which is a record or blanks. Returns how many bytes it takes; 0 if that depends on
     // what follows, which it cannot once all that counts is there.
-    std::size_t readNext(Window& window, std::string_view ahead, bool isAll)
+    std::size_t readNext(const Window& window, std::string_view ahead, bool isAll)
     {
         if (takes(Packing::text))
         {
