@@ -117,8 +117,12 @@ unsigned int dataLength(const Layout& layout, const char* message)
 // The check that every operation but one makes, each with its own line.
 bool isTooLong(unsigned int length, int priority, unsigned int line)
 {
-    return length > kMaxWords &&
-           !bci::reject(priority, kSource, line, "additionalDataLength %d > %d", length, kMaxWords);
+    if (length <= kMaxWords)
+    {
+        return false;
+    }
+    bci::reject(priority, kSource, line, "additionalDataLength %d > %d", length, kMaxWords);
+    return true;
 }
 
 constexpr unsigned int kUnchecked = 0;

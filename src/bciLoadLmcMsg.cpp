@@ -77,9 +77,13 @@ static_assert(kDataSize == 4120);
 // Every operation rejects a block that there is no room for, each with its own line.
 bool isTooLarge(const VornBcLoadLmcDataS& message, unsigned int line)
 {
-    return message.lmBlockSize > kMaxBlockSize &&
-           !bci::reject(LOG_INFO, kLoadLmcData.source, line, "lmBlockSize %u > %u",
-                        static_cast<unsigned int>(message.lmBlockSize), kMaxBlockSize);
+    if (message.lmBlockSize <= kMaxBlockSize)
+    {
+        return false;
+    }
+    bci::reject(LOG_INFO, kLoadLmcData.source, line, "lmBlockSize %u > %u",
+                static_cast<unsigned int>(message.lmBlockSize), kMaxBlockSize);
+    return true;
 }
 
 // Writes all bytes as they are. put() turns into zeros what stands behind one, so every piece ends with the

@@ -4,7 +4,6 @@
 
 #include <bit>
 #include <cstdint>
-#include <cstring>
 
 namespace bci
 {
@@ -30,21 +29,6 @@ T bigEndian(T number)
     {
         return static_cast<T>(__builtin_bswap64(static_cast<std::uint64_t>(number)));
     }
-}
-
-template <typename T>
-void storeBigEndian(char* to, T number)
-{
-    number = bigEndian(number);
-    std::memcpy(to, &number, sizeof number);
-}
-
-template <typename T>
-T loadBigEndian(const char* from)
-{
-    T number;
-    std::memcpy(&number, from, sizeof number);
-    return bigEndian(number);
 }
 
 } // namespace bci

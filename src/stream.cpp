@@ -979,16 +979,7 @@ bool istream_text::asciiToUnsignedLongLong(const char* text, unsigned long long&
 
 bool istream_text::scanNumber(char* buffer)
 {
-    if (!good())
-    {
-        return false;
-    }
-    if (getNumber(buffer) == 0)
-    {
-        setfail();
-        return false;
-    }
-    return true;
+    return good() && getNumber(buffer) != 0;
 }
 
 // Scans a number for a signed target, or an unsigned one, that holds no greater one. Returns whether there is one

@@ -82,12 +82,8 @@ public:
 
     static char* put(char* to, const Subscripts& subscripts)
     {
-        forEachWord(
-            [&]<std::size_t at>(std::integral_constant<std::size_t, at>)
-            {
-                poke(to + at, word<at>(subscripts));
-                return true;
-            });
+        forEachWord([&]<std::size_t at>(std::integral_constant<std::size_t, at>)
+                    { poke(to + at, word<at>(subscripts)); });
         return to + kSize;
     }
 

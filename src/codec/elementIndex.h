@@ -26,12 +26,12 @@ constexpr U32 nameHash(std::size_t size, char first, std::uint64_t lastEight)
 inline U32 nameHash(const char* name, std::size_t size, bool afterOthers)
 {
     std::uint64_t last = 0;
-    if (size >= sizeof last || (afterOthers && size != 0))
+    if (size >= sizeof last || afterOthers)
     {
         std::memcpy(&last, name + size - sizeof last, sizeof last);
         if constexpr (std::endian::native == std::endian::big)
         {
-            last = __builtin_bswap64(last);
+            last = __builtin_bswap64(last); // COVERAGE_EXCLUDED: on big-endian hosts alone
         }
         if (size < sizeof last)
         {

@@ -123,7 +123,7 @@ constexpr unsigned int binarySize(std::span<const Field> rows)
     return size;
 }
 
-// Characters that one number of a kind takes in text at most.
+// Characters that one number of a kind takes in text at most. Not for texts.
 constexpr unsigned int textWidth(Kind kind)
 {
     switch (kind)
@@ -136,12 +136,9 @@ constexpr unsigned int textWidth(Kind kind)
         return 6;
     case Kind::u32:
         return 10;
-    case Kind::s32:
+    default:
         return 11;
-    case Kind::text:
-        break;
     }
-    return 0;
 }
 
 // The bound that getMaxTextBufferSize() is made of: a number counts with its delimiter, a text as four

@@ -109,12 +109,9 @@ inline std::int64_t loadNumber(const Field& field, const char* structure)
         return peek<S16>(from);
     case Kind::u32:
         return peek<U32>(from);
-    case Kind::s32:
+    default:
         return peek<S32>(from);
-    case Kind::text:
-        break;
     }
-    return 0;
 }
 
 // Puts a number there, cut to the field's width.
