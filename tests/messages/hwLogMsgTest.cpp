@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstring>
 #include <initializer_list>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -259,6 +260,20 @@ TEST(HwLogSetReq, WritesItsEntriesInsideTheLog)
         EXPECT_EQ(writeXml(*message), (Written{true, kSetReqXml + logElements(row.lengthText, row.entries), 0}));
         EXPECT_EQ(writeBinary(*message), (Written{true, kSetReqBinary + be32(row.length) + logData(row.data), 0}));
     }
+}
+
+TEST(HwLogSetReq, EndsItsLastEntryWithTheLogWhateverStandsBehindIt)
+{
+    alignas(SetReq) unsigned char storage[sizeof(SetReq) + 512];
+    std::memset(storage, 'z', sizeof storage);
+    auto* const message = new (storage) SetReq(23433738);
+    const std::string structure = setReq(2, "ab\0"s + x(421));
+    std::memcpy(message->getMsg(), structure.data(), structure.size());
+
+    EXPECT_EQ(writeText(*message), (Written{true, kSetReqText + "2:ab:" + x(421) + ":", 0}));
+    EXPECT_EQ(writeXml(*message), (Written{true, kSetReqXml + logElements("2", {"ab", x(421)}), 0}));
+
+    message->~SetReq();
 }
 
 TEST(HwLogSetReq, WritesAnUnterminatedTimeUpToItsLastCharacter)

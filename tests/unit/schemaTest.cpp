@@ -16,6 +16,7 @@
 #include "bciUtcTimeMsg.h"
 #include "bciVisualIndicationMsg.h"
 #include "catalogue.h"
+#include "codec/walk.h"
 
 #include <gtest/gtest.h>
 
@@ -23,6 +24,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -144,6 +146,14 @@ TEST(Schema, EndsATextWithoutTerminatorWithItsArray)
     EXPECT_NE(named(kDrawing, &structure).find("text_0=ab text_1=cdefg length"), std::string::npos);
 }
 
+TEST(Schema, NamesElementsOfAnOuterListWithZeroAsTheSecondIndex)
+{
+    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kLineFurther}};
+    LineS structure = {7, 2, {{1, 2}, {3, 4}, {}}};
+
+    EXPECT_EQ(named(shape, &structure), "kind_=7 points=2 x_0_0=1 y_0_0=2 x_1_0=3 y_1_0=4 ");
+}
+
 TEST(Schema, ChoosesByTheSelector)
 {
     constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kChoiceFurther}};
@@ -165,8 +175,9 @@ public:
     }
     void entry(const Field& entry, char* /*base*/, const Subscripts& subscripts) override
     {
-        m_text += std::string(entry.tag) + std::to_string(subscripts.first) + "/" + std::to_string(entry.offset) +
-                  "+" + std::to_string(entry.size) + " ";
+        m_text += std::string(entry.tag) + std::to_string(subscripts.first) + "," +
+                  std::to_string(subscripts.second) + "/" + std::to_string(entry.offset) + "+" +
+                  std::to_string(entry.size) + " ";
     }
     void block(const Field& block, char* /*base*/) override
     {
@@ -213,8 +224,111 @@ TEST(Schema, TellsCountsAsTheyStand)
     walk(kDrawing, reinterpret_cast<char*>(&structure), events);
     const auto at = std::to_string(offsetof(DrawingS, text));
     const auto behind = std::to_string(offsetof(DrawingS, text) + 6);
-    EXPECT_EQ(events.m_text, "lines limited limit 9 list(0 0) texts entries(3 text_0/" + at + "+8 text_1/" +
+    EXPECT_EQ(events.m_text, "lines limited limit 9 list(0 0) texts entries(3 text_0,0/" + at + "+8 text_1,0/" +
                                  behind + "+2 2 of 3) length block 99 bytes+6 ");
+}
+
+// Wants to know of so many events and no more.
+class FirstEvents
+{
+public:
+    explicit FirstEvents(std::size_t most) : m_most(most) {}
+
+    bool isOver() const
+    {
+        return m_events.size() == m_most;
+    }
+
+    void field(const Field& field, char* /*base*/, const Subscripts* /*subscripts*/)
+    {
+        m_events.push_back(field.tag);
+    }
+    void entry(const Field& /*entry*/, char* /*base*/, const Subscripts& /*subscripts*/)
+    {
+        m_events.push_back("entry");
+    }
+    void block(const Field& /*block*/, char* /*base*/)
+    {
+        m_events.push_back("block");
+    }
+    void beginList(const List& /*list*/, std::int64_t /*count*/, char* /*base*/)
+    {
+        m_events.push_back("list(");
+    }
+    void endList(const List& /*list*/, std::int64_t /*count*/, char* /*base*/)
+    {
+        m_events.push_back(")list");
+    }
+    void beginChoice(const Choice& /*choice*/, const Case* chosen, char* /*base*/)
+    {
+        m_events.push_back(chosen != nullptr ? chosen->member : "none");
+    }
+    void endChoice(const Choice& /*choice*/, char* /*base*/)
+    {
+        m_events.push_back(")choice");
+    }
+    void beginEntries(const LogEntries& /*entries*/, std::int64_t /*count*/, char* /*base*/)
+    {
+        m_events.push_back("entries(");
+    }
+    void endEntries(const LogEntries& /*entries*/, std::int64_t /*count*/, std::int64_t /*written*/,
+                    char* /*base*/)
+    {
+        m_events.push_back(")entries");
+    }
+    void beginBlock(const Block& /*block*/, std::int64_t /*length*/, char* /*base*/)
+    {
+        m_events.push_back("block(");
+    }
+    void limit(const Limit& /*limit*/, char* /*base*/)
+    {
+        m_events.push_back("limit");
+    }
+
+    std::vector<std::string> m_events;
+
+private:
+    std::size_t m_most;
+};
+
+// Whether a visitor that is over after any number of these events is told no more of them.
+void expectFirstEvents(const Shape& shape, void* structure, const std::vector<std::string>& events)
+{
+    for (std::size_t most = 1; most <= events.size() + 1; ++most)
+    {
+        FirstEvents visitor(most);
+        Walker<FirstEvents>(static_cast<char*>(structure), visitor, nullptr).walk(shape.content);
+        const std::size_t told = most <= events.size() ? most : events.size();
+        EXPECT_EQ(visitor.m_events,
+                  std::vector<std::string>(events.begin(), events.begin() + std::ptrdiff_t(told)))
+            << most;
+    }
+}
+
+TEST(Walk, TellsNothingMoreOnceItsVisitorIsOver)
+{
+    DrawingS structure = drawing();
+
+    expectFirstEvents(kDrawing, &structure,
+                      {"lines", "limited", "limit",    "list(", "kind_", "points",   "list(",  "x__",    "y__",
+                       ")list", "kind_",   "points",   "list(", "x__",   "y__",      "x__",    "y__",    ")list",
+                       ")list", "texts",   "entries(", "entry", "entry", ")entries", "length", "block(", "block"});
+}
+
+TEST(Walk, TellsNothingMoreOfAChoiceOnceItsVisitorIsOver)
+{
+    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kChoiceFurther}};
+    LineS structure = {7, 0, {{1, 2}, {}, {}}};
+
+    expectFirstEvents(shape, &structure, {"kind_", "points", "point", "x__", "y__", ")choice"});
+}
+
+TEST(Walk, TellsAChoiceOfNone)
+{
+    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kChoiceFurther}};
+    LineS structure = {8, 0, {{1, 2}, {}, {}}};
+
+    expectFirstEvents(shape, &structure, {"kind_", "points", "none", ")choice"});
 }
 
 TEST(Catalogue, HasTheShapeOfTheClassThatIsRegistered)
