@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/env -S python3 -B
 """tests/coverage/merge.py EXPORT...: merges what llvm-cov exported for several builds (EXPORT.text and EXPORT.lcov)
 into one tracefile for gcovr.
 
