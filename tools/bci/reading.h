@@ -230,6 +230,7 @@ public:
         {
             return;
         }
+        m_listCount = remembered(*list.count);
         if (form == Form::text && list.delimiterWhenEmpty && count == 0)
         {
             // The writers put it, and the readers do not want it.
@@ -250,8 +251,7 @@ public:
     {
         if (form == Form::binary && list.wholeInBinary)
         {
-            skipUnused((list.bound - static_cast<std::size_t>(count)) * list.stride,
-                       remembered(*list.count).place());
+            skipUnused((list.bound - static_cast<std::size_t>(count)) * list.stride, m_listCount.place());
         }
     }
 
@@ -898,6 +898,7 @@ private:
     Reading m_reading;
     std::size_t m_position = 0; // behind what is read
     bool m_isOver = false;
+    NumberPlace m_listCount = {}; // of the list that has begun last
     NumberPlace m_choice = {};    // what has chosen
     std::size_t m_choiceEnd = 0;  // where the bytes of a choice end, in binary
     std::size_t m_entriesEnd = 0; // where the log entries read so far end, in binary
