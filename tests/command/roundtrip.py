@@ -6,11 +6,11 @@ to XML, to binary and to text again, a record is the same, unless the command sa
 """
 import json
 import pathlib
-import re
 import subprocess
 import sys
 
-ESCAPES = {"t": "\t", "n": "\n", "r": "\r", "0": "\0", '"': '"', "\\": "\\"}
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
+from renderings import golden  # noqa: E402
 
 
 def run(*arguments, data):
@@ -21,43 +21,8 @@ def run(*arguments, data):
     return result.stdout.splitlines(), result.stderr.splitlines()
 
 
-def unquoted(line):
-    """The bytes of a run of quoted strings."""
-    result = b""
-    for piece in re.findall(r'"((?:[^"\\]|\\.)*)"', line):
-        text = re.sub(r"\\(x[0-9A-Fa-f]{2}|.)",
-                      lambda m: chr(int(m[1][1:], 16)) if m[1][0] == "x" else ESCAPES[m[1]], piece)
-        result += text.encode("latin-1")
-    return result
-
-
-def renumbered(form, data, number):
-    """A rendering whose signal number is an extreme one, with a number of its class."""
-    extreme = rb"(2147483647|4294967295)"
-    if form == "binary":
-        return int(number).to_bytes(4, "big") + data[4:] if data[:4] in (b"\x7f\xff\xff\xff", b"\xff" * 4) else data
-    if form == "text":
-        return re.sub(rb"\A" + extreme + b":", number.encode() + b":", data)
-    return re.sub(rb"(<sigNo>\s*)" + extreme, rb"\g<1>" + number.encode(), data)
-
-
-def renderings(directory):
-    """All of them, as lines of a trace."""
-    for path in sorted(pathlib.Path(directory).glob("*.golden")):
-        text = path.read_text(encoding="latin-1").replace("\n ", " ")
-        number = re.search(r'"(234\d{5}):', text)[1]
-        for line in text.splitlines():
-            match = re.match(r"(?:writes +|reads +)?(text|binary|xml) +(.*)", line)
-            if match:
-                form, data = match.groups()
-                content = renumbered(form, bytes.fromhex(re.sub(r"[^0-9a-f]", "", data.lower()))
-                                     if form == "binary" else unquoted(data), number).hex()
-                if content:
-                    yield f"- - {form} {content}".encode()
-
-
 def main():
-    lines = list(renderings(sys.argv[1]))
+    lines = [f"- - {form} {data.hex()}".encode() for _, form, data in golden(sys.argv[1])]
     trace = b"\n".join(lines) + b"\n"
 
     rows, _ = run("decode", "--json", data=trace)
