@@ -19,7 +19,8 @@ def renumbered(form, data, number):
     """A rendering whose signal number is an extreme one, with a number of its class."""
     extreme = rb"(2147483647|4294967295)"
     if form == "binary":
-        return int(number).to_bytes(4, "big") + data[4:] if data[:4] in (b"\x7f\xff\xff\xff", b"\xff" * 4) else data
+        is_extreme = data[:4] in (b"\x7f\xff\xff\xff", b"\xff" * 4)
+        return int(number).to_bytes(4, "big") + data[4:] if is_extreme else data
     if form == "text":
         return re.sub(rb"\A" + extreme + b":", number.encode() + b":", data)
     return re.sub(rb"(<sigNo>\s*)" + extreme, rb"\g<1>" + number.encode(), data)
@@ -38,3 +39,10 @@ def golden(directory):
                                      if form == "binary" else unquoted(data), number)
                 if content:
                     yield path.stem, form, content
+
+
+def contents():
+    """A rendering of every class, in text, in which no list is empty: class, bytes."""
+    header = (pathlib.Path(__file__).parent / "contents.h").read_text()
+    for name, text in re.findall(r'\{"(Bci\w+)",((?:\s*"[^"]*")+)\}', header):
+        yield name, unquoted(text)

@@ -1,4 +1,5 @@
 #include "commandTree.h"
+#include "dissector.h"
 #include "input.h"
 #include "names.h"
 #include "rowSchema.h"
@@ -172,7 +173,8 @@ std::string completion(const CLI::App& app, const std::string& shell)
 Run addGen(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* const verb = app.add_subcommand("gen", "Print manual pages, completions and table definitions");
+    CLI::App* const verb =
+        app.add_subcommand("gen", "Print manual pages, completions, and what other programs need");
     verb->require_subcommand(1);
     app.require_subcommand(0, 1); // behind one verb, the name of another is an argument
     CLI::App* const man = verb->add_subcommand("man", "Print the manual page of the command, or of a verb");
@@ -184,6 +186,7 @@ Run addGen(CLI::App& app)
     CLI::App* const duckDbVerb = verb->add_subcommand("sql-duckdb", "Print table definitions for rows in DuckDB");
     CLI::App* const clickHouseVerb =
         verb->add_subcommand("sql-clickhouse", "Print table definitions for rows in ClickHouse");
+    CLI::App* const wireshark = verb->add_subcommand("wireshark", "Print a dissector for Wireshark, in Lua");
     verb->add_subcommand("json-schema", "Print the JSON Schema of the rows that decode --json writes");
     verb->footer("The date of manual pages is today's, or what SOURCE_DATE_EPOCH says.\n"
                  "\n"
@@ -194,13 +197,15 @@ Run addGen(CLI::App& app)
                  "  bci gen completion bash > ~/.local/share/bash-completion/completions/bci\n"
                  "  bci gen completion zsh > ~/.zfunc/_bci\n"
                  "  bci gen completion fish > ~/.config/fish/completions/bci.fish\n"
-                 "  bci gen sql-duckdb | duckdb signals.db");
-    return [&app, options, man, shells, duckDbVerb, clickHouseVerb]
+                 "  bci gen sql-duckdb | duckdb signals.db\n"
+                 "  bci gen wireshark > ~/.local/lib/wireshark/plugins/bci.lua");
+    return [&app, options, man, shells, duckDbVerb, clickHouseVerb, wireshark]
     {
         put(man->parsed()              ? manual(app, options->verb)
             : shells->parsed()         ? completion(app, options->shell)
             : duckDbVerb->parsed()     ? duckDb()
             : clickHouseVerb->parsed() ? clickHouse()
+            : wireshark->parsed()      ? dissector()
                                        : kRowSchema);
         return kClean;
     };
