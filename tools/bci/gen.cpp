@@ -1,6 +1,7 @@
 #include "commandTree.h"
 #include "dissector.h"
 #include "input.h"
+#include "kaitai.h"
 #include "names.h"
 #include "rowSchema.h"
 #include "verbs.h"
@@ -187,6 +188,7 @@ Run addGen(CLI::App& app)
     CLI::App* const clickHouseVerb =
         verb->add_subcommand("sql-clickhouse", "Print table definitions for rows in ClickHouse");
     CLI::App* const wireshark = verb->add_subcommand("wireshark", "Print a dissector for Wireshark, in Lua");
+    CLI::App* const ksy = verb->add_subcommand("ksy", "Print a description of the binary form for Kaitai Struct");
     verb->add_subcommand("json-schema", "Print the JSON Schema of the rows that decode --json writes");
     verb->footer("The date of manual pages is today's, or what SOURCE_DATE_EPOCH says.\n"
                  "\n"
@@ -199,13 +201,14 @@ Run addGen(CLI::App& app)
                  "  bci gen completion fish > ~/.config/fish/completions/bci.fish\n"
                  "  bci gen sql-duckdb | duckdb signals.db\n"
                  "  bci gen wireshark > ~/.local/lib/wireshark/plugins/bci.lua");
-    return [&app, options, man, shells, duckDbVerb, clickHouseVerb, wireshark]
+    return [&app, options, man, shells, duckDbVerb, clickHouseVerb, wireshark, ksy]
     {
         put(man->parsed()              ? manual(app, options->verb)
             : shells->parsed()         ? completion(app, options->shell)
             : duckDbVerb->parsed()     ? duckDb()
             : clickHouseVerb->parsed() ? clickHouse()
             : wireshark->parsed()      ? dissector()
+            : ksy->parsed()            ? kaitai()
                                        : kRowSchema);
         return kClean;
     };
