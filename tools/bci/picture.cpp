@@ -14,11 +14,11 @@ using Kind = Piece::Kind;
 
 // In pixels.
 constexpr double kLeft = 96; // of the first byte
-constexpr double kByteWidth = 120;
+constexpr double kByteWidth = 144;
 constexpr double kRight = kLeft + 4 * kByteWidth;
 constexpr double kRowHeight = 38;
 constexpr double kGap = 8;
-constexpr double kCharacter = 7.3; // width of one, at most
+constexpr double kCharacter = 8.2; // width of one in a wide font, on average
 constexpr double kLane = 24;       // of a bracket, without its text
 
 constexpr unsigned int kBytesPerRow = 4;
