@@ -168,14 +168,14 @@ public:
 protected:
     /// @name Characters that one number takes at most in the text form, by type
     /// @{
-    static const unsigned int MAX_BUFFER_LEN_FOR_LONGLONG = 21;
-    static const unsigned int MAX_BUFFER_LEN_FOR_ULONGLONG = 21;
-    static const unsigned int MAX_BUFFER_LEN_FOR_LONG = 11;
-    static const unsigned int MAX_BUFFER_LEN_FOR_ULONG = 10;
-    static const unsigned int MAX_BUFFER_LEN_FOR_SHORT = 6;
-    static const unsigned int MAX_BUFFER_LEN_FOR_USHORT = 5;
-    static const unsigned int MAX_BUFFER_LEN_FOR_UCHAR = 3;
-    static const unsigned int MAX_BUFFER_LEN_FOR_CHAR = 4;
+    static const unsigned int MAX_BUFFER_LEN_FOR_LONGLONG = 21;  ///< `long long`
+    static const unsigned int MAX_BUFFER_LEN_FOR_ULONGLONG = 21; ///< `unsigned long long`
+    static const unsigned int MAX_BUFFER_LEN_FOR_LONG = 11;      ///< `long`
+    static const unsigned int MAX_BUFFER_LEN_FOR_ULONG = 10;     ///< `unsigned long`
+    static const unsigned int MAX_BUFFER_LEN_FOR_SHORT = 6;      ///< `short`
+    static const unsigned int MAX_BUFFER_LEN_FOR_USHORT = 5;     ///< `unsigned short`
+    static const unsigned int MAX_BUFFER_LEN_FOR_UCHAR = 3;      ///< `unsigned char`
+    static const unsigned int MAX_BUFFER_LEN_FOR_CHAR = 4;       ///< `char`
     /// @}
 
     char* m_bciMessagePtr;           ///< the wire structure

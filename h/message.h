@@ -30,19 +30,25 @@ public:
     MessageBase(char* msg, unsigned short size, unsigned long sigNo);
     /// Frees nothing.
     virtual ~MessageBase();
+
     /// @name Memory of messages
     /// It comes from the global operators of the same form and goes back there; a program's own forms are reached
-    /// by
-    /// `::new`. Here, so that not every class has calls of the C++ library of its own.
+    /// by a global new expression. Here, so that not every class has calls of the C++ library of its own.
     /// @{
+
+    /// Throws where there is none.
     static void* operator new(std::size_t size);
+    /// Returns null where there is none.
     static void* operator new(std::size_t size, const std::nothrow_t& noThrow) noexcept;
+    /// Any other form that the program has.
     template <typename Form>
     static void* operator new(std::size_t size, Form form)
     {
         return ::operator new(size, form);
     }
+    /// Gives it back.
     static void operator delete(void* memory) noexcept;
+    /// Gives it back where a constructor has thrown.
     static void operator delete(void* memory, const std::nothrow_t& /*noThrow*/) noexcept
     {
         operator delete(memory);

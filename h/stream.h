@@ -92,6 +92,7 @@ public:
 protected:
     /// What seekg() and seekp() share: moves a position within 0 ... length().
     void seek(unsigned int& position, seekdir dir, int offset);
+    /// The same, to a place that counts from the start.
     void seek(unsigned int& position, unsigned int target);
     /// Sets or clears eof after a seek.
     void updateEof(unsigned int position);
