@@ -20,7 +20,7 @@
 //
 // DATA is a run of quoted strings with C escapes, or hex digits for binary. Binary is stated as the
 // target has it, with its first word big-endian. A line that starts with a blank continues the one
-// before.
+// before. A quoted string with *N behind it stands for N of them.
 
 #include "bciMessage.h"
 #include "bciMsgRegistration.h"
@@ -113,7 +113,7 @@ std::vector<Case> loadCases()
     return cases;
 }
 
-// Takes a quoted string off the front of a line.
+// Takes a quoted string off the front of a line, repeated as often as it says.
 std::string takeQuoted(std::istream& in)
 {
     const std::map<char, char> escapes = {{'t', '\t'}, {'n', '\n'}, {'r', '\r'},
@@ -142,7 +142,17 @@ std::string takeQuoted(std::istream& in)
         }
         text += ch;
     }
-    return text;
+    unsigned int count = 1;
+    if (in.peek() == '*')
+    {
+        in.ignore() >> count;
+    }
+    std::string all;
+    while (count-- > 0)
+    {
+        all += text;
+    }
+    return all;
 }
 
 std::string inQuotes(std::string_view text)
