@@ -110,6 +110,72 @@ Lengths written(const bci::Signal& signal, bool full, std::size_t alternative)
     return lengths;
 }
 
+// Compares offsets in the binary form with those in the wire structure; both count from the same place.
+class Offsets
+{
+public:
+    explicit Offsets(const std::vector<Piece>& pieces, unsigned int base = 0)
+        : m_piece(pieces.data()), m_end(m_piece + pieces.size()), m_base(base)
+    {
+    }
+
+    void expectSame(const bci::codec::Group& group)
+    {
+        (*this)(group.rows);
+        for (const bci::codec::Part& part : group.further)
+        {
+            std::visit(*this, part);
+        }
+        EXPECT_EQ(m_piece, m_end);
+    }
+
+    void operator()(std::span<const Field> rows)
+    {
+        for (const Field& field : rows)
+        {
+            expectNext(field.offset);
+        }
+    }
+    void operator()(const bci::codec::List* list)
+    {
+        EXPECT_EQ(m_piece->stride, list->stride);
+        Offsets(m_piece->content).expectSame(list->element);
+        expectNext(list->offset);
+    }
+    void operator()(const bci::codec::Choice* choice)
+    {
+        for (std::size_t i = 0; i < choice->cases.size(); ++i)
+        {
+            Offsets(m_piece->alternatives[i].content, m_base + choice->offset)
+                .expectSame(choice->cases[i].content);
+        }
+        expectNext(choice->offset);
+    }
+    void operator()(const bci::codec::LogEntries* entries)
+    {
+        expectNext(entries->array->offset);
+    }
+    void operator()(const bci::codec::Block* block)
+    {
+        expectNext(block->bytes->offset);
+    }
+    void operator()(const bci::codec::Limit* /*limit*/)
+    {
+        ++m_piece;
+    }
+
+private:
+    void expectNext(unsigned int offset)
+    {
+        EXPECT_EQ(m_piece->offset, m_base + offset) << m_piece->name;
+        ++m_piece;
+    }
+
+    const Piece* m_piece;
+    const Piece* m_end;
+    unsigned int m_base;
+};
+
 constexpr std::size_t kAlternatives = 5;
 
 TEST(Layout, MostIsWhatTheLibraryWritesAtMost)
@@ -132,6 +198,15 @@ TEST(Layout, LeastBinaryIsWhatTheLibraryWritesWithoutElements)
     for (const bci::Signal& signal : bci::signals())
     {
         EXPECT_EQ(layoutOf(*signal.shape).leastBinary, written(signal, false, 0).binary) << signal.name;
+    }
+}
+
+TEST(Layout, OffsetsAreThoseOfTheWireStructure)
+{
+    for (const bci::Signal& signal : bci::signals())
+    {
+        SCOPED_TRACE(signal.name);
+        Offsets(layoutOf(*signal.shape).pieces).expectSame(signal.shape->content);
     }
 }
 
