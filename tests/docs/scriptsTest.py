@@ -1,0 +1,79 @@
+#!/usr/bin/env python3
+"""The scripts that hold documents against what is there notice what is wrong."""
+
+import pathlib
+import subprocess
+import tempfile
+import unittest
+
+HERE = pathlib.Path(__file__).resolve().parent
+ROOT = HERE.parent.parent
+
+
+class Scripts(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def write(self, name, text):
+        (self.folder / name).write_text(text)
+
+    def run_script(self, *arguments):
+        done = subprocess.run(list(map(str, arguments)), capture_output=True, text=True, check=False)
+        self.assertEqual(done.stderr, "")
+        return done.returncode, done.stdout.replace(str(self.folder) + "/", "")
+
+    def samples(self, text):
+        self.write("document.md", text)
+        return self.run_script(HERE / "samples.py", self.folder, self.folder / "document.md")
+
+    def expect_wrong(self, text, message):
+        status, output = self.samples(text)
+        self.assertEqual(status, 1)
+        self.assertIn(message, output)
+
+    def test_samples_that_do_as_they_say(self):
+        text = ("<!-- file: greeting -->\n```text\nhello\n```\n\n"
+                "```console\n$ cat greeting\nhello\n$ seq \\\n  9\n1\n...\n9\n"
+                "```\n\n<!-- not run: no reason -->\n```sh\nfalse\n```\n\n```sh\ntrue\n```\n")
+        self.assertEqual(self.samples(text),
+                         (0, "1 documents: 4 samples executed, 1 blocks not run\n"))
+
+    def test_samples_with_other_output(self):
+        self.expect_wrong("```console\n$ echo a\nb\n```\n", "document.md:2: echo a\nstatus 0, output:\na")
+        self.expect_wrong("```console\n$ seq 9\n1\n...\n8\n```\n", "document.md:2: seq 9")
+        self.expect_wrong("```console\n$ echo a\n```\n", "document.md:2: echo a")
+
+    def test_samples_that_fail(self):
+        self.expect_wrong("```console\n$ false\n```\n", "document.md:2: false\nstatus 1")
+        self.expect_wrong("```console\n$ true\n$ exit 3\n```\n", "document.md:3: exit 3\nended the shell")
+        self.expect_wrong("```sh\nfalse\ntrue\n```\n", "document.md:1: status 1")
+
+    def test_samples_of_which_nobody_says_what_they_are(self):
+        self.expect_wrong("Text\n\n    code\n", "document.md:3: the block has no fence")
+        self.expect_wrong("```\ncode\n```\n", "document.md:1: the block has no language")
+        self.expect_wrong("```cpp\ncode\n```\n", "document.md:1: code is neither a file nor an excerpt")
+        self.expect_wrong("```sh\ncode\n", "document.md:1: the block has no end")
+        self.expect_wrong("no samples\n", "0 samples executed")
+
+    def test_excerpts(self):
+        excerpt = "<!-- excerpt: examples/auditCfm.cpp -->\n```cpp\nint main()\n...\n{line}\n```\n"
+        self.assertEqual(self.samples(excerpt.replace("{line}", "delete message;"))[0], 0)
+        self.expect_wrong(excerpt.replace("{line}", '#include "bciAuditMsg.h"'),
+                          "document.md:5: examples/auditCfm.cpp has no such line")
+
+    def test_links(self):
+        self.write("a.html", '<p id="here"><a href="b.html#there"></a><a href="#here"></a>'
+                             '<a href="https://example.org/x"></a>')
+        self.write("b.html", '<p id="there"><img src="c.svg">')
+        self.write("c.svg", "<svg/>")
+        check = [ROOT / "docs/checkLinks.py", self.folder]
+        self.assertEqual(self.run_script(*check), (0, "2 pages, 3 links, 0 of them broken\n"))
+        self.write("b.html", '<p id="elsewhere"><img src="d.svg">')
+        self.assertEqual(self.run_script(*check), (1, "a.html: b.html#there leads nowhere\n"
+                                                      "b.html: d.svg leads nowhere\n"
+                                                      "2 pages, 3 links, 2 of them broken\n"))
+
+
+unittest.main()
