@@ -100,7 +100,6 @@ std::string quoted(std::string_view text)
     return fmt::format("\"{}\"", text); // names and titles have nothing to escape
 }
 
-// NOLINTBEGIN(misc-no-recursion): as deep as the shape
 std::string table(const std::vector<Piece>& pieces, const std::string& indent, Filters& filters);
 
 std::string table(const Piece& piece, const std::string& indent, Filters& filters)
@@ -157,7 +156,6 @@ std::string table(const std::vector<Piece>& pieces, const std::string& indent, F
     }
     return text;
 }
-// NOLINTEND(misc-no-recursion)
 
 // A confirm or reject answers the request before it, by number.
 std::string signalTable()

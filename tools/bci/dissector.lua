@@ -235,7 +235,7 @@ local function read(bytes, form, signal, little)
         readUpTo = {}, -- by the name of an element
         openings = {}
     }, Reader)
-    self:group(schema.classes[signal.class], nil, nil)
+    self:group(schema.classes[signal.class])
     if form == "xml" and not self.over then
         self:lookAtOtherElements()
     end
@@ -306,9 +306,9 @@ function Reader:expectAtMost(tag, most, breaks)
     return false
 end
 
-function Reader:group(parts, indexes, base)
+function Reader:group(parts, indexes)
     for _, part in ipairs(parts) do
-        self[part.part](self, part, indexes, base)
+        self[part.part](self, part, indexes)
         if self.over then
             return
         end

@@ -66,8 +66,6 @@ private:
     std::string m_text;
 };
 
-// NOLINTBEGIN(misc-no-recursion): as deep as the shape
-
 // The fields of a type, and the types that they are of.
 class Type
 {
@@ -198,7 +196,6 @@ private:
     Lines m_fields;
     Lines m_types;
 };
-// NOLINTEND(misc-no-recursion)
 
 constexpr const char* kHead =
     R"(# The binary form of the signals of the board control interface. Written by "bci gen ksy".
