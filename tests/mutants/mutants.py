@@ -23,6 +23,7 @@ import subprocess
 import sys
 import threading
 import time
+import traceback
 
 sys.path.insert(0, os.path.dirname(os.path.realpath(__file__)))
 from mistakes import Source  # noqa: E402
@@ -33,7 +34,6 @@ RESULTS = BUILD / "results.tsv"
 EQUIVALENT = ROOT / "tests/mutants/equivalent.txt"
 WORKERS = os.cpu_count()
 SHARE = 0.03  # of all mistakes, which may be equivalent
-COPIED = ["CMakeLists.txt", "cmake", "docs", "examples", "h", "signals", "src", "tests", "tools"]
 INSTANCES = ["size", "speed"]
 # The small instance also has the code for hosts without vectors.
 FLAGS = {"size": "-U__SSE2__", "speed": ""}
@@ -60,12 +60,10 @@ class Tree:
 
     def copy(self):
         self.path.mkdir(parents=True, exist_ok=True)
-        for name in COPIED:
-            sources = [ROOT / name] if (ROOT / name).is_file() else (p for p in (ROOT / name).rglob("*") if p.is_file())
-            for source in sources:
-                self.write(source.relative_to(ROOT), source.read_bytes())
-                if os.access(source, os.X_OK):
-                    (self.path / source.relative_to(ROOT)).chmod(0o755)
+        for source in copied():
+            self.write(source.relative_to(ROOT), source.read_bytes())
+            if os.access(source, os.X_OK):
+                (self.path / source.relative_to(ROOT)).chmod(0o755)
 
     def write(self, name, content):
         """Leaves alone what is so already: it would be built anew."""
@@ -151,13 +149,18 @@ class Results:
                 print(*mistake.full_key, found, sep="\t", file=file)
 
 
+def copied():
+    """The sources: all but what is built, or hidden."""
+    for name in sorted(ROOT.iterdir()):
+        if name.name != "build" and not name.name.startswith("."):
+            yield from [name] if name.is_file() else (path for path in sorted(name.rglob("*")) if path.is_file())
+
+
 def digest():
     sums = hashlib.sha256()
-    for name in COPIED:
-        paths = [ROOT / name] if (ROOT / name).is_file() else sorted(p for p in (ROOT / name).rglob("*") if p.is_file())
-        for path in paths:
-            if "__pycache__" not in path.parts and path != EQUIVALENT:
-                sums.update(path.read_bytes())
+    for path in copied():
+        if path != EQUIVALENT:
+            sums.update(path.read_bytes())
     return sums.hexdigest()
 
 
@@ -324,7 +327,14 @@ def judge_in_text(trees, sources, mistakes, results):
 
 
 def in_parallel(functions):
-    threads = [threading.Thread(target=function) for function in functions]
+    def run(function):
+        try:
+            function()
+        except BaseException:
+            traceback.print_exc()
+            os._exit(1)
+
+    threads = [threading.Thread(target=run, args=[function]) for function in functions]
     for thread in threads:
         thread.start()
     for thread in threads:
@@ -371,8 +381,9 @@ def main():
         text = sources[mistake.file].text
         mistake.lines = (text.count("\n", 0, mistake.chunk.start) + 1, text.count("\n", 0, mistake.chunk.end) + 1)
 
+    trees = [Tree(str(number + 1)) for number in range(WORKERS)]
     if at_run_time:
-        tree = Tree("all")
+        tree = trees[0]
         tree.copy()
         for instance in INSTANCES:
             tree.configure(instance)
@@ -383,7 +394,6 @@ def main():
         for mistake in at_run_time:
             results.add(mistake, "survived" if mistake.reached else "not reached")
     if in_text:
-        trees = [Tree(str(number + 1)) for number in range(WORKERS)]
 
         def prepare(tree):
             tree.copy()

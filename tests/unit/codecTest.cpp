@@ -225,6 +225,61 @@ TYPED_TEST(Codec, ReadsEveryKindFromXmlButNotWhatIsPassedOver)
     EXPECT_EQ(std::memcmp(structure.skipped, "ZZZ", 3), 0);
 }
 
+constexpr Field kByteRows[] = {BCI_FIELD(SampleS, byte, "byte", 1)};
+constexpr Fields kByte = {"sampleMsg", kByteRows};
+
+TYPED_TEST(Codec, FailsForASingleByteThatHasNoRoom)
+{
+    SampleS structure = pattern();
+    structure.byte = 'x';
+    char buffer[1] = {'?'};
+    ostream_binary stream;
+    stream.attachBuffer(buffer, 1);
+    stream.put('!');
+    EXPECT_TRUE(writeBinary(rowsFor<TypeParam, kByte>, &structure, stream));
+    EXPECT_EQ(buffer[0], '!');
+    EXPECT_EQ(stream.status(), 3U);
+}
+
+TYPED_TEST(Codec, FailsForASingleByteThatIsNotThere)
+{
+    SampleS structure = pattern();
+    structure.byte = 'x';
+    char buffer[1] = {'?'};
+    istream_binary stream;
+    stream.attachBuffer(buffer, 1);
+    stream.seekg(1);
+    stream.setgood();
+    EXPECT_TRUE(readBinary(rowsFor<TypeParam, kByte>, &structure, stream));
+    EXPECT_EQ(structure.byte, 'x');
+    EXPECT_EQ(stream.status(), 3U);
+}
+
+struct BehindS
+{
+    U32 before;
+    U32 number;
+};
+constexpr Field kBehindRows[] = {BCI_FIELD(BehindS, number, "number", 1)};
+constexpr Fields kBehind = {"sampleMsg", kBehindRows};
+
+TYPED_TEST(Codec, KeepsTheOrderOfAFirstNumberThatStandsElsewhereInItsStructure)
+{
+    BehindS structure = {0x11121314, 0x21222324};
+    char buffer[4];
+    ostream_binary out;
+    out.attachBuffer(buffer, 4);
+    EXPECT_TRUE(writeBinary(rowsFor<TypeParam, kBehind>, &structure, out));
+    EXPECT_EQ(std::memcmp(buffer, &structure.number, 4), 0);
+
+    BehindS read = {0x11121314, 0};
+    istream_binary in;
+    in.attachBuffer(buffer, 4);
+    EXPECT_TRUE(readBinary(rowsFor<TypeParam, kBehind>, &read, in));
+    EXPECT_EQ(read.number, 0x21222324U);
+    EXPECT_EQ(read.before, 0x11121314U);
+}
+
 TYPED_TEST(Codec, TruncatesNumbersFromXmlToTheirField)
 {
     SampleS structure = pattern();
@@ -296,6 +351,30 @@ TYPED_TEST(Codec, LogsTheFirstMissingElementAndStops)
             ASSERT_EQ(log.size(), 1U);
             EXPECT_EQ(log[0].arguments, std::vector<std::string>{missing.tag});
         }
+    }
+}
+
+TYPED_TEST(Codec, ReadsANumberFromXmlBehindAnyCharacter)
+{
+    for (int code = 1; code < 256; ++code)
+    {
+        const char ch = static_cast<char>(code);
+        if (ch == '<')
+        {
+            continue;
+        }
+        SCOPED_TRACE(code);
+        const std::string spaces = "\t\n\v\f\r +";
+        const S32 expected = ch >= '0' && ch <= '9'                 ? (ch - '0') * 10 + 5
+                             : ch == '-'                            ? -5
+                             : spaces.find(ch) != std::string::npos ? 5
+                                                                    : 0;
+        SampleS structure = pattern();
+
+        EXPECT_TRUE(readXmlText("\t<signedWord>\n\t  " + std::string(1, ch) + "5\n\t</signedWord>\n",
+                                rowsFor<TypeParam, kSignedWord>, &structure));
+
+        EXPECT_EQ(structure.signedWord, expected);
     }
 }
 
@@ -508,6 +587,21 @@ TYPED_TEST(Codec, CountsTheSecondIndexOn)
         wanted[11] = wanted[23] = '?';
         EXPECT_EQ(read, wanted) << one;
     }
+}
+
+TYPED_TEST(Codec, TakesNoOtherCharacterForAnIndexOfTwoDigits)
+{
+    std::vector<char> read(12, '?');
+    const Subscripts subscripts = {10, 0};
+
+    // ':' is ten characters behind '0'.
+    EXPECT_TRUE(readXmlText("\t<n_:_0>\n\t  1\n\t</n_:_0>\n\t<n_10_0>\n\t  2\n\t</n_10_0>\n"
+                            "<signedNumber_10_0>3</signedNumber_10_0><textOfElement_10_0>x</textOfElement_10_0>",
+                            rowsFor<TypeParam, kList>, read.data(), &subscripts));
+
+    U16 n;
+    std::memcpy(&n, read.data(), sizeof n);
+    EXPECT_EQ(n, 2);
 }
 
 TYPED_TEST(Codec, StopsAtTheFirstMissingElementOfAList)

@@ -403,6 +403,20 @@ void compareHash(const Subscripts& subscripts)
     EXPECT_EQ(Opening::hash(subscripts), nameHash(name.text(), name.size(), false)) << name.text();
 }
 
+TEST(ElementIndex, ForgetsTheTagsOfTheDocumentBefore)
+{
+    const std::string before = "<a><b><c><d><e><f><g><h><i><j>";
+    const std::string now = "<a><b><c><d><e><f><g><h><i> j>"; // the last one is none
+    ElementIndex index;
+    index.make(before);
+    index.make(now);
+
+    const char* behind = now.c_str();
+    EXPECT_TRUE(index.find("j", 1, behind));
+    EXPECT_EQ(behind, nullptr);
+    EXPECT_EQ(index.first(hashOf("j")), nullptr);
+}
+
 TEST(ElementIndex, HashesNamesLikeConstants)
 {
     [&]<std::size_t... index>(std::index_sequence<index...>)
