@@ -270,10 +270,12 @@ TEST(Straight, TheNextElementBeginsWhereTheLastOneEnded)
     SampleS structure = {};
     char* const to = reinterpret_cast<char*>(&structure);
 
-    Elements ofConstants(stream);
-    EXPECT_TRUE(readXml(Constant<kOrdinary>(), to, ofConstants));
-    EXPECT_EQ(ofConstants.next(), document.data() + kOrdinaryXml.size());
-
+    if (kForSpeed) // or there are no constants
+    {
+        Elements ofConstants(stream);
+        EXPECT_TRUE(readXml(Constant<kOrdinary>(), to, ofConstants));
+        EXPECT_EQ(ofConstants.next(), document.data() + kOrdinaryXml.size());
+    }
     Elements ofTable(stream);
     EXPECT_TRUE(readXml(kOrdinary, to, ofTable));
     EXPECT_EQ(ofTable.next(), document.data() + kOrdinaryXml.size());
