@@ -29,7 +29,7 @@ install(FILES ${PROJECT_BINARY_DIR}/install/bci.pc DESTINATION ${CMAKE_INSTALL_L
 if(BCI_BUILD_COMMAND)
   install(TARGETS bci_command RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-  # Manual pages and completions, as the command itself knows them.
+  # Manual pages, completions and the dissector, as the command itself knows them.
   set(generated ${PROJECT_BINARY_DIR}/install/generated)
   add_custom_command(OUTPUT ${generated}/complete
     COMMAND ${CMAKE_COMMAND} -D "COMMAND=$<TARGET_PROPERTY:bci_command,CROSSCOMPILING_EMULATOR>;$<TARGET_FILE:bci_command>"
@@ -39,4 +39,5 @@ if(BCI_BUILD_COMMAND)
   add_custom_target(bci_generated ALL DEPENDS ${generated}/complete)
   install(DIRECTORY ${generated}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR})
   install(DIRECTORY ${generated}/share/ DESTINATION ${CMAKE_INSTALL_DATADIR})
+  install(DIRECTORY ${generated}/lib/ DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()

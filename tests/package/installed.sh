@@ -10,7 +10,7 @@ fail() {
     exit 1
 }
 
-packages=(libbci0 libbci-dev bci)
+packages=(libbci0 libbci-dev bci bci-wireshark)
 cd "$repository/dist"
 # Some machines leave documents out of everything they install.
 dpkg --path-include="*" -i "${packages[@]/%/_${version}_$arch.deb}" "bci-doc_${version}_all.deb" >/tmp/log 2>&1 || fail "$(cat /tmp/log)"
@@ -32,6 +32,10 @@ done
 bash -c '. /usr/share/bash-completion/completions/bci && complete -p bci' >/dev/null || fail "no completion"
 [ -f /usr/share/zsh/vendor-completions/_bci ] || fail "no completion for zsh"
 [ -f /usr/share/fish/vendor_completions.d/bci.fish ] || fail "no completion for fish"
+
+# Wireshark finds the plugin.
+bci convert --to pcap packed.gz >packed.pcap
+tshark -r packed.pcap -V 2>/dev/null | grep -q BCI_AUDIT_CFM || fail "tshark: $(tshark -r packed.pcap -V 2>&1)"
 
 # The library, without being told where it is.
 expected="15 characters: 23430145:1:2:3:"$'\n'"main state: 3"
