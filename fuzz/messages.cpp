@@ -185,12 +185,18 @@ bool isPromised(const Signal& signal, Form form, char* structure)
     if (form == Form::xml)
     {
         // The one's last element is closed by another's name, the other's twelfth entry is looked up by a wrong
-        // one; and of two elements of a name, as two capabilities of one identity have them, the first is read
-        // twice.
+        // one; of two elements of a name, as two capabilities of one identity have them, the first is read twice;
+        // and a tag within a value is one like any other.
         std::set<std::string_view> names;
         return name != "BciLoadLmcAck" &&
-               !isAny([&names](const codec::Leaf& leaf)
-                      { return leaf.name == "hwLogData_11" || !names.insert(leaf.name).second; });
+               !isAny(
+                   [&names](const codec::Leaf& leaf)
+                   {
+                       const bool hasCharacters = leaf.raw || leaf.field.kind == Kind::text;
+                       return leaf.name == "hwLogData_11" || !names.insert(leaf.name).second ||
+                              (hasCharacters &&
+                               std::memchr(leaf.base + leaf.field.offset, '<', leaf.field.size) != nullptr);
+                   });
     }
     if (form == Form::text)
     {
