@@ -22,8 +22,11 @@
 
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <map>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -376,6 +379,218 @@ TEST(Catalogue, HasTheShapeOfTheClassThatIsRegistered)
     EXPECT_EQ(uses["BciGenericMsg"], 23);
     EXPECT_EQ(uses["BciGenericRejMsg"], 18);
     EXPECT_EQ(bci::findSignal(0x165801C), nullptr);
+}
+
+#define NAMED(name)                                                                                               \
+    {                                                                                                             \
+        name, #name                                                                                               \
+    }
+
+TEST(Catalogue, CallsTheNumbersByTheirConstantsInTheOrderOfRegistration)
+{
+    const struct
+    {
+        SIGSELECT number;
+        std::string name;
+    } rows[] = {
+        NAMED(BCI_CONN_EST_REQ),
+        NAMED(BCI_CONN_EST_CFM),
+        NAMED(BCI_CONN_EST_REJ),
+        NAMED(BCI_RESTART_BOARD_FWD),
+        NAMED(BCI_SET_VISUAL_INDICATION_REQ),
+        NAMED(BCI_SET_VISUAL_INDICATION_CFM),
+        NAMED(BCI_SET_VISUAL_INDICATION_REJ),
+        NAMED(BCI_GET_CAPABILITIES_REQ),
+        NAMED(BCI_GET_CAPABILITIES_CFM),
+        NAMED(BCI_GET_CAPABILITIES_REJ),
+        NAMED(BCI_BASIC_0A_REQ),
+        NAMED(BCI_BASIC_0B_CFM),
+        NAMED(BCI_BASIC_0C_REJ),
+        NAMED(BCI_FAULT_IND),
+        NAMED(BCI_FAULT_CEASE_IND),
+        NAMED(BCI_GET_VISUAL_INDICATION_REQ),
+        NAMED(BCI_GET_VISUAL_INDICATION_CFM),
+        NAMED(BCI_GET_VISUAL_INDICATION_REJ),
+        NAMED(BCI_SELECT_MMI_REQ),
+        NAMED(BCI_SELECT_MMI_CFM),
+        NAMED(BCI_SELECT_MMI_REJ),
+        NAMED(BCI_BASIC_15_REQ),
+        NAMED(BCI_BASIC_16_CFM),
+        NAMED(BCI_BASIC_17_REJ),
+        NAMED(BCI_MAINT_STATE_IND),
+        NAMED(BCI_SET_MAINT_STATE_REQ),
+        NAMED(BCI_SET_MAINT_STATE_CFM),
+        NAMED(BCI_SET_MAINT_STATE_REJ),
+        NAMED(BCI_AUDIT_REQ),
+        NAMED(BCI_AUDIT_CFM),
+        NAMED(BCI_AUDIT_REJ),
+        NAMED(BCI_STATE_03_REQ),
+        NAMED(BCI_STATE_04_CFM),
+        NAMED(BCI_STATE_05_REJ),
+        NAMED(BCI_STATE_06_REQ),
+        NAMED(BCI_STATE_07_CFM),
+        NAMED(BCI_STATE_08_REJ),
+        NAMED(BCI_TEMP_MEAS_START_REQ),
+        NAMED(BCI_TEMP_MEAS_START_CFM),
+        NAMED(BCI_TEMP_MEAS_START_REJ),
+        NAMED(BCI_LOAD_LMC_REQ),
+        NAMED(BCI_LOAD_LMC_CFM),
+        NAMED(BCI_LOAD_LMC_REJ),
+        NAMED(BCI_LOAD_LMC_INIT_REQ),
+        NAMED(BCI_LOAD_LMC_INIT_CFM),
+        NAMED(BCI_LOAD_LMC_INIT_REJ),
+        NAMED(BCI_LOAD_LMC_DATA),
+        NAMED(BCI_LOAD_LMC_ACK),
+        NAMED(BCI_LOAD_LMC_END_REQ),
+        NAMED(BCI_LOAD_LMC_END_CFM),
+        NAMED(BCI_LOAD_LMC_END_REJ),
+        NAMED(BCI_SELECT_LMC_REQ),
+        NAMED(BCI_SELECT_LMC_CFM),
+        NAMED(BCI_SELECT_LMC_REJ),
+        NAMED(BCI_HW_LOG_SET_REQ),
+        NAMED(BCI_HW_LOG_SET_CFM),
+        NAMED(BCI_HW_LOG_SET_REJ),
+        NAMED(BCI_HW_LOG_GET_REQ),
+        NAMED(BCI_HW_LOG_GET_CFM),
+        NAMED(BCI_HW_LOG_GET_REJ),
+        NAMED(BCI_GET_HW_PID_REQ),
+        NAMED(BCI_GET_HW_PID_CFM),
+        NAMED(BCI_GET_HW_PID_REJ),
+        NAMED(BCI_SET_UTC_TIME_REQ),
+        NAMED(BCI_SET_UTC_TIME_CFM),
+        NAMED(BCI_SET_UTC_TIME_REJ),
+    };
+
+    const std::span<const bci::Signal> signals = bci::signals();
+
+    ASSERT_EQ(signals.size(), std::size(rows));
+    for (std::size_t i = 0; i < signals.size(); ++i)
+    {
+        EXPECT_EQ(signals[i].number, rows[i].number);
+        EXPECT_EQ(signals[i].name, rows[i].name);
+    }
+}
+
+#undef NAMED
+
+#define SHAPED(Class, Structure)                                                                                  \
+    {                                                                                                             \
+#Class,                                                                                                   \
+        {                                                                                                         \
+#Structure, sizeof(Structure)                                                                         \
+        }                                                                                                         \
+    }
+
+TEST(Catalogue, NamesTheClassesAndTheirStructures)
+{
+    const std::map<std::string, std::pair<std::string, std::size_t>> expected = {
+        SHAPED(BciAuditCfm, VornBcAuditCfmS),
+        {"BciCapabilityCfmMsg", {"VornBcGetCapabilitiesCfmS", 192}},
+        SHAPED(BciGenericMsg, GenericMsgS),
+        SHAPED(BciGenericRejMsg, GenericRejMsgS),
+        SHAPED(BciConnEstReq, VornBcConnEstablishReqS),
+        SHAPED(BciConnEstRej, VornBcConnEstablishRejS),
+        SHAPED(BciFaultIndication, VornBcFaultIndS),
+        SHAPED(BciFaultCeaseIndication, VornBcFaultceaseIndS),
+        SHAPED(BciGetHwPidCfmMsg, VornBcGetHwPidCfmS),
+        SHAPED(BciHwLogGetReqMsg, VornBcHwLogGetReqS),
+        SHAPED(BciHwLogSetReqMsg, VornBcHwLogSetReqS),
+        SHAPED(BciHwLogGetCfmMsg, VornBcHwLogGetCfmS),
+        SHAPED(BciLoadLmcInitReq, VornBcLoadLmcInitReqS),
+        SHAPED(BciLoadLmcInitCfm, VornBcLoadLmcInitCfmS),
+        SHAPED(BciLoadLmcReq, VornBcLoadLmcReqS),
+        SHAPED(BciLoadLmcAck, VornBcLoadLmcAckS),
+        SHAPED(BciLoadLmcEndCfm, VornBcLoadLmcEndCfmS),
+        SHAPED(BciSelectLmcReq, VornBcSelectLmcReqS),
+        {"BciLoadLmcData", {"VornBcLoadLmcDataS", 4120}},
+        SHAPED(BciSetMaintStateReq, VornBcSetMaintStateReqS),
+        SHAPED(BciMaintStateInd, VornBcMaintStateIndS),
+        SHAPED(BciSelectMmiReq, VornBcSelectMmiReqS),
+        SHAPED(BciRestartBoardFwdMsg, VornBcRestartBoardFwdS),
+        SHAPED(BciTempMeasStartReq, VornBcTempMeasStartReqS),
+        SHAPED(BciSetUtcTimeReq, VornBcSetUtcTimeReqS),
+        SHAPED(BciSetVisualIndicationReq, VornBcSetVisualIndicationReqS),
+        SHAPED(BciGetVisualIndicationCfm, VornBcGetVisualIndicationCfmS),
+    };
+    std::map<std::string, std::pair<std::string, std::size_t>> shapes;
+    for (const bci::Signal& signal : bci::signals())
+    {
+        shapes[signal.shape->className] = {signal.shape->structureName, signal.shape->structureSize};
+    }
+
+    EXPECT_EQ(shapes, expected);
+}
+
+#undef SHAPED
+
+TEST(Catalogue, NamesTheSourceOfTheLogLines)
+{
+    const std::map<std::string, std::string> expected = {
+        {"BciAuditCfm", "bciAuditMsg"},
+        {"BciCapabilityCfmMsg", "bciCapabilityMsg"},
+        {"BciGenericMsg", "bciCommonMsg"},
+        {"BciGenericRejMsg", "bciCommonMsg"},
+        {"BciConnEstReq", "bciConnEstablishMsg"},
+        {"BciConnEstRej", "bciConnEstablishMsg"},
+        {"BciFaultIndication", "bciFaultMsg"},
+        {"BciFaultCeaseIndication", "bciFaultMsg"},
+        {"BciGetHwPidCfmMsg", "bciHwMsg"},
+        {"BciHwLogGetReqMsg", "bciHwMsg"},
+        {"BciHwLogSetReqMsg", "bciHwMsg"},
+        {"BciHwLogGetCfmMsg", "bciHwMsg"},
+        {"BciLoadLmcInitReq", "bciLoadLmcInitMsg"},
+        {"BciLoadLmcInitCfm", "bciLoadLmcInitMsg"},
+        {"BciLoadLmcReq", "bciLoadLmcMsg"},
+        {"BciLoadLmcAck", "bciLoadLmcMsg"},
+        {"BciLoadLmcEndCfm", "bciLoadLmcMsg"},
+        {"BciSelectLmcReq", "bciLoadLmcMsg"},
+        {"BciLoadLmcData", "bciLoadLmcMsg"},
+        {"BciSetMaintStateReq", "bciMaintStateMsg"},
+        {"BciMaintStateInd", "bciMaintStateMsg"},
+        {"BciSelectMmiReq", "bciMmiMsg"},
+        {"BciRestartBoardFwdMsg", "bciRestartBoardMsg"},
+        {"BciTempMeasStartReq", "bciTempMeasMsg"},
+        {"BciSetUtcTimeReq", "bciUtcTimeMsg"},
+        {"BciSetVisualIndicationReq", "bciVisualIndicationMsg"},
+        {"BciGetVisualIndicationCfm", "bciVisualIndicationMsg"},
+    };
+    std::map<std::string, std::string> sources;
+    for (const bci::Signal& signal : bci::signals())
+    {
+        sources[signal.shape->className] = signal.shape->source;
+    }
+
+    EXPECT_EQ(sources, expected);
+}
+
+// The member of the union for each identity of a capability.
+class Members : public Events
+{
+public:
+    void beginChoice(const Choice& /*choice*/, const Case* chosen, char* /*base*/) override
+    {
+        m_members.push_back(chosen != nullptr ? chosen->member : "");
+    }
+
+    std::vector<std::string> m_members;
+};
+
+TEST(Catalogue, NamesTheMembersOfTheUnionOfCapabilities)
+{
+    std::vector<std::string> members;
+    for (const S16 identity : {1, 2, 3, 4, 5, 6, 7})
+    {
+        alignas(U32) char structure[192] = {};
+        auto& confirm = reinterpret_cast<VornBcGetCapabilitiesCfmS&>(structure);
+        confirm.numberOfBoardCapabilities = 1;
+        std::memcpy(structure + 16, &identity, sizeof identity);
+        Members visitor;
+        walk(*bci::findSignal(BCI_GET_CAPABILITIES_CFM)->shape, structure, visitor);
+        members.insert(members.end(), visitor.m_members.begin(), visitor.m_members.end());
+    }
+
+    EXPECT_EQ(members, (std::vector<std::string>{"boardLoading", "", "none", "boardEthTerm", "boardEthHwIf",
+                                                 "boardClimate", ""}));
 }
 
 } // namespace
