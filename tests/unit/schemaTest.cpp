@@ -578,7 +578,7 @@ public:
 TEST(Catalogue, NamesTheMembersOfTheUnionOfCapabilities)
 {
     std::vector<std::string> members;
-    for (const S16 identity : {1, 2, 3, 4, 5, 6, 7})
+    for (S16 identity = 1; identity <= 7; ++identity)
     {
         alignas(U32) char structure[192] = {};
         auto& confirm = reinterpret_cast<VornBcGetCapabilitiesCfmS&>(structure);
