@@ -593,4 +593,57 @@ TEST(Catalogue, NamesTheMembersOfTheUnionOfCapabilities)
                                                  "boardClimate", ""}));
 }
 
+// How the lists of a message travel.
+class Lists : public Events
+{
+public:
+    void beginList(const List& list, std::int64_t /*count*/, char* /*base*/) override
+    {
+        m_lists.push_back(std::to_string(list.bound) + " from " + std::to_string(list.offset) + " by " +
+                          std::to_string(list.stride) + (list.wholeInBinary ? ", whole in binary" : "") +
+                          (list.delimiterWhenEmpty ? ", a delimiter when empty" : ""));
+    }
+
+    std::vector<std::string> m_lists;
+};
+
+std::vector<std::string> listsOf(SIGSELECT number, char* structure)
+{
+    Lists visitor;
+    walk(*bci::findSignal(number)->shape, structure, visitor);
+    return visitor.m_lists;
+}
+
+TEST(Catalogue, TellsHowTheListsOfFaultsTravel)
+{
+    alignas(U32) char structure[sizeof(VornBcFaultIndS)] = {};
+
+    EXPECT_EQ(listsOf(BCI_FAULT_IND, structure),
+              (std::vector<std::string>{"4 from 132 by 2, whole in binary, a delimiter when empty"}));
+    EXPECT_EQ(listsOf(BCI_FAULT_CEASE_IND, structure),
+              (std::vector<std::string>{"4 from 16 by 2, whole in binary, a delimiter when empty"}));
+}
+
+TEST(Catalogue, TellsHowTheListsOfCapabilitiesTravel)
+{
+    alignas(U32) char structure[192] = {};
+    auto& confirm = reinterpret_cast<VornBcGetCapabilitiesCfmS&>(structure);
+    confirm.numberOfBoardCapabilities = 2;
+    const S16 ethTerm = 4;
+    const S16 ethHwIf = 5;
+    std::memcpy(structure + 16, &ethTerm, sizeof ethTerm);
+    std::memcpy(structure + 104, &ethHwIf, sizeof ethHwIf);
+
+    EXPECT_EQ(listsOf(BCI_GET_CAPABILITIES_CFM, structure),
+              (std::vector<std::string>{"2 from 16 by 88, a delimiter when empty",
+                                        "4 from 4 by 4, whole in binary", "10 from 4 by 8, whole in binary"}));
+
+    const S16 climate = 6;
+    std::memcpy(structure + 16, &climate, sizeof climate);
+    confirm.numberOfBoardCapabilities = 1;
+    EXPECT_EQ(
+        listsOf(BCI_GET_CAPABILITIES_CFM, structure),
+        (std::vector<std::string>{"2 from 16 by 88, a delimiter when empty", "10 from 4 by 8, whole in binary"}));
+}
+
 } // namespace
