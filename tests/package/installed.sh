@@ -33,6 +33,11 @@ bash -c '. /usr/share/bash-completion/completions/bci && complete -p bci' >/dev/
 [ -f /usr/share/zsh/vendor-completions/_bci ] || fail "no completion for zsh"
 [ -f /usr/share/fish/vendor_completions.d/bci.fish ] || fail "no completion for fish"
 
+# The documentation.
+documents=/usr/share/doc/bci/html
+grep -q 'Signals of the board control interface' $documents/index.html || fail "no documentation"
+[ "$(find $documents -name 'page-docs-catalogue-BCI_*.html' | wc -l)" -eq 66 ] || fail "not all signals are in the catalogue"
+
 # Wireshark finds the plugin.
 bci convert --to pcap packed.gz >packed.pcap
 tshark -r packed.pcap -V 2>/dev/null | grep -q BCI_AUDIT_CFM || fail "tshark: $(tshark -r packed.pcap -V 2>&1)"
