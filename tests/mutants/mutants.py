@@ -301,14 +301,16 @@ def judge_in_text(trees, sources, mistakes, results):
         for first in range(0, len(those), size):
             left.put((name, those[first : first + size]))
 
-    def judge(tree, source, mistake):
+    def judge(tree, source, mistake, instances):
         tree.write(mistake.file, source.with_mistake(mistake).encode())
-        for instance in INSTANCES:
+        for instance in list(instances):
             if tree.build(instance, "bci_shared"):
                 return "does not compile"
             if tree.passes(instance, "public_tests", mistake=-1) is None:
+                # It is likely to notice the next one, too.
+                instances.sort(key=lambda other: other != instance)
                 return f"noticed by public_tests, {instance}"
-        for instance in INSTANCES:
+        for instance in instances:
             if tree.build(instance, *PROGRAMS):
                 return "does not compile"
             for program in PROGRAMS:
@@ -319,8 +321,9 @@ def judge_in_text(trees, sources, mistakes, results):
     def work(tree):
         while (part := take(left)) is not None:
             name, those = part
+            instances = INSTANCES[:]
             for mistake in those:
-                results.add(mistake, judge(tree, sources[name], mistake))
+                results.add(mistake, judge(tree, sources[name], mistake, instances))
             tree.write(name, sources[name].text.encode())
 
     in_parallel([lambda tree=tree: work(tree) for tree in trees])
