@@ -7,7 +7,7 @@ one. The others are made in the text of a copy, which is built anew for each. Bo
 the engine, until one notices. Results go to build/mutants/results.tsv.
 
 An interrupted run is taken up where it was left, as long as nothing has changed. With --resume, what has been
-noticed before counts as noticed, as long as its line is there.
+noticed before counts as noticed, and what has survived and is explained as surviving, as long as its line is there.
 """
 
 import argparse
@@ -46,6 +46,7 @@ PROGRAMS = {
     "static_registration": [],
     "example_auditCfm": [],
 }
+ALONE = "one_internal_test"
 EXAMPLE = b"15 characters: 23430145:1:2:3:\nmain state: 3\n"
 FIRST_TESTS = 20  # of those that come by a mistake, the quickest
 LONGEST = 10  # times what a program takes without a mistake
@@ -57,6 +58,7 @@ class Tree:
     def __init__(self, name):
         self.path = BUILD / name
         self.usual = {}  # seconds that a program takes
+        self.alone = []  # objects of internal_tests that make a program without the tools, which take long to build
 
     def copy(self):
         self.path.mkdir(parents=True, exist_ok=True)
@@ -87,16 +89,31 @@ class Tree:
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)  # fmt: skip
         return done.stdout if done.returncode != 0 else None
 
+    def link_alone(self, instance, test):
+        """Makes a program of one source of internal_tests and of the library. Returns whether there is one."""
+        needed = ["tests_support", "bci_catalogue", "bci", "gmock_main", "gmock", "gtest"]
+        libraries = [f"lib/lib{name}.a" for name in needed]
+        if self.build(instance, test, *libraries):
+            return False
+        return subprocess.run(["g++", "-fuse-ld=gold", test, *libraries, "-o", "bin/" + ALONE],
+                              cwd=self.path / "build" / instance, stderr=subprocess.DEVNULL).returncode == 0  # fmt: skip
+
+    def find_alone(self, instance):
+        build = self.path / "build" / instance
+        objects = sorted(build.glob("tests/CMakeFiles/internal_tests.dir/**/*.o"))
+        tests = [str(path.relative_to(build)) for path in objects]
+        self.alone = [test for test in tests if self.link_alone(instance, test)]
+
     def passes(self, instance, program, tests=None, mistake=0, reached=None, usual=None):
         """Whether the program, or only some of its tests, find nothing wrong. Returns the seconds that it took."""
         environment = {**os.environ, "BCI_MISTAKE": str(mistake)}
         if reached:
             environment["BCI_MISTAKES_REACHED"] = str(reached)
-        arguments = [f"--gtest_filter={':'.join(tests)}"] if tests else PROGRAMS[program][-1:]
+        arguments = [f"--gtest_filter={':'.join(tests)}"] if tests else PROGRAMS.get(program, [])[-1:]
         begin = time.monotonic()
         try:
             done = subprocess.run(
-                [self.path / "build" / instance / "bin" / program, *PROGRAMS[program][:-1], *arguments],
+                [self.path / "build" / instance / "bin" / program, *PROGRAMS.get(program, [])[:-1], *arguments],
                 env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
                 timeout=max(5, LONGEST * (usual or self.usual.get((instance, program), 60))), cwd=self.path,
                 preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (2 << 30, 2 << 30)))  # fmt: skip
@@ -133,9 +150,10 @@ class Results:
         self.known = {}
         lines = RESULTS.read_text().splitlines() if RESULTS.exists() else []
         same = lines[:1] == [digest]
+        explained = read_equivalent()
         for line in lines[1:]:
             *key, found = line.split("\t")
-            if same or resume and found.startswith("noticed"):
+            if same or resume and (found.startswith("noticed") or tuple(key) in explained):
                 self.known[tuple(key)] = found
         with RESULTS.open("w") as file:
             print(digest, file=file)
@@ -311,6 +329,11 @@ def judge_in_text(trees, sources, mistakes, results):
                 instances.sort(key=lambda other: other != instance)
                 return f"noticed by public_tests, {instance}"
         for instance in instances:
+            for test in list(tree.alone):
+                if tree.link_alone(instance, test) and tree.passes(instance, ALONE, mistake=-1) is None:
+                    tree.alone.sort(key=lambda other: other != test)
+                    return f"noticed by internal_tests, {instance}"
+        for instance in instances:
             if tree.build(instance, *PROGRAMS):
                 return "does not compile"
             for program in PROGRAMS:
@@ -360,7 +383,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("files", metavar="FILE", nargs="*", help="part of the name of a source")
     parser.add_argument("--sample", metavar="N", type=int, help="so many of the mistakes, the same ones every time")
-    parser.add_argument("--resume", action="store_true", help="believe what has been noticed before a change")
+    parser.add_argument("--resume", action="store_true", help="believe what has been found before a change")
     parser.add_argument("--list", action="store_true", help="show the mistakes")
     options = parser.parse_args()
 
@@ -406,6 +429,7 @@ def main():
                 if errors or None in [tree.passes(instance, program) for program in PROGRAMS]:
                     print(f"{instance} fails without a mistake", errors or "", file=sys.stderr)
                     os._exit(1)
+            tree.find_alone(INSTANCES[0])
 
         in_parallel([lambda tree=tree: prepare(tree) for tree in trees])
         judge_in_text(trees, sources, in_text, results)
