@@ -227,14 +227,23 @@ BCI_INLINE const char* getOrdinary(const F& field, const char* from, const char*
                                     : getOrdinaryNumber(field, from, end, structure);
 }
 
-// Up to where data can be read so: to the last character that is no digit.
-inline const char* lastEnd(const char* begin, const char* end)
+// Before the digits that data ends with. At its begin, if there is no end to them: it is looked for again and
+// again, which is not to cost more than reading does.
+[[gnu::noinline]] inline const char* beforeLastDigits(const char* begin, const char* end)
 {
-    while (end != begin && isDigit(end[-1]))
+    constexpr std::ptrdiff_t kMost = 64;
+    const char* const nearest = end - begin > kMost ? end - kMost : begin;
+    while (end != nearest && isDigit(end[-1]))
     {
         --end;
     }
-    return end;
+    return end != nearest ? end : begin;
+}
+
+// Up to where data can be read so: to the last character that is no digit.
+inline const char* lastEnd(const char* begin, const char* end)
+{
+    return end == begin || !isDigit(end[-1]) ? end : beforeLastDigits(begin, end);
 }
 
 // Whether there is room for a number whatever it is, and so many characters around it: its digits need not be

@@ -917,6 +917,22 @@ TEST(CodecPieces, TakeOrdinaryNumbersFromText)
     }
 }
 
+// However many digits the data ends with, and however often that is asked for.
+TEST(CodecPieces, LookForTheEndOfTheLastNumberWithinSixtyFourDigits)
+{
+    const auto endOf = [](const std::string& text)
+    { return lastEnd(text.data(), text.data() + text.size()) - text.data(); };
+    EXPECT_EQ(endOf(""), 0);
+    EXPECT_EQ(endOf("1:2:"), 4);
+    EXPECT_EQ(endOf("1:2:3"), 4);
+    EXPECT_EQ(endOf(std::string(100, '1')), 0);
+    EXPECT_EQ(endOf("1:" + std::string(62, '1')), 2);
+    EXPECT_EQ(endOf("1:" + std::string(63, '1')), 2);
+    EXPECT_EQ(endOf("1:" + std::string(64, '1')), 0);
+    EXPECT_EQ(endOf("1:" + std::string(65, '1')), 0);
+    EXPECT_EQ(endOf("1:" + std::string(65, '1') + ":"), 68);
+}
+
 TEST(CodecPieces, ReadAnOrdinaryDocumentInOnePass)
 {
     const std::vector<char> list = listOf(2);
