@@ -20,9 +20,15 @@ POINTER = "__indirect_call"
 AT_THE_END = "_M_erase"
 
 
+# What has no frame noted is of the C or C++ library, or the C++ library's operators: not what these begin with.
+OWN = r"^_Z(?!St|NK?St|nwj|nwm|dlPv)"
+
+
 def plain(title):
-    """Without the object file that a local function is in, and what makes it local."""
-    return re.sub(r"^.*\.o:", "", title).removesuffix(".localalias")
+    """Without the object file that a local function is in, what makes it local, and what tells one name of a
+    constructor or destructor from the other."""
+    name = re.sub(r"\.localalias|\.lto_priv\.\d+", "", re.sub(r"^.*\.o:", "", title))
+    return re.sub(r"(?<=[a-z])([CD])1(?=E)", r"\g<1>2", name)
 
 
 class CallGraph:
@@ -49,6 +55,8 @@ class CallGraph:
         for callee in self.callees.get(name, ()):
             if callee != POINTER:
                 if AT_THE_END not in callee:
+                    if callee not in self.frames and re.search(OWN, callee):
+                        sys.exit(f"{name} calls {callee}, whose frame is not known")
                     yield callee
                 continue
             targets = [target for caller, target in INDIRECT.items() if re.search(caller, name)]
