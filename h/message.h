@@ -36,7 +36,7 @@ public:
     /// by a global new expression. Here, so that not every class has calls of the C++ library of its own.
     /// @{
 
-    /// Throws where there is none.
+    /// Throws where there is none; in a library without unwind tables, as on the target, that ends the program.
     static void* operator new(std::size_t size);
     /// Returns null where there is none.
     static void* operator new(std::size_t size, const std::nothrow_t& noThrow) noexcept;

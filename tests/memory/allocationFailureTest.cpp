@@ -1,5 +1,8 @@
 // Each allocation of the library finds no memory once: what an operation then says, leaves behind and gives back.
 
+#include "bciAuditMsg.h"
+#include "bciCapabilityMsg.h"
+#include "bciLoadLmcMsg.h"
 #include "bciMessage.h"
 #include "bciMsgRegistration.h"
 #include "contents.h"
@@ -14,6 +17,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 namespace
@@ -184,6 +188,23 @@ TEST_F(Registry, MakesNoMessageWithoutMemoryForIt)
     }
 }
 
+// The factories take it back.
+TEST(OwnMessage, HasNoStructureWithoutMemoryForIt)
+{
+    const unsigned long held = blocksHeld();
+    {
+        const Shortage shortage(1);
+        const BciCapabilityCfmMsg capabilities(BCI_GET_CAPABILITIES_CFM);
+        EXPECT_EQ(capabilities.getMsg(), nullptr);
+    }
+    {
+        const Shortage shortage(1);
+        const BciLoadLmcData data(BCI_LOAD_LMC_DATA);
+        EXPECT_EQ(data.getMsg(), nullptr);
+    }
+    EXPECT_EQ(blocksHeld(), held);
+}
+
 BciMessageBase* noMessage(SIGSELECT /*sigNo*/)
 {
     return nullptr;
@@ -197,8 +218,9 @@ TEST_F(Registry, TakesOneNodeForEachNumber)
     EXPECT_EQ(allocationsIn([] { BciMsgRegistry::registerSupportedMsgClasses(); }), 0U);
 }
 
-// Nothing can be said of it in a result that is always true. The library carries no unwind tables on the target,
-// so there the exception ends the program; where it has them, the exception leaves the library.
+// Nothing can be said of it in a result that is always true, or by a pointer that is never null. The library
+// carries no unwind tables on the target, so there the exception ends the program; where it has them, the
+// exception leaves the library.
 #ifdef __powerpc__
 
 TEST_F(Registry, EndsTheProgramWithoutMemoryForANode)
@@ -211,7 +233,35 @@ TEST_F(Registry, EndsTheProgramWithoutMemoryForANode)
         testing::KilledBySignal(SIGABRT), "");
 }
 
+TEST(OwnMessage, EndsTheProgramWithoutMemoryForIt)
+{
+    EXPECT_EXIT(
+        {
+            failAllocation(1);
+            try
+            {
+                delete new BciAuditCfm(BCI_AUDIT_CFM);
+            }
+            catch (const std::bad_alloc&)
+            {
+                _exit(0);
+            }
+        },
+        testing::KilledBySignal(SIGABRT), "");
+}
+
 #else
+
+TEST(OwnMessage, LetsTheExceptionOutWithoutMemoryForIt)
+{
+    const unsigned long held = blocksHeld();
+    const auto makeOne = [] { delete new BciAuditCfm(BCI_AUDIT_CFM); };
+    {
+        const Shortage shortage(1);
+        EXPECT_THROW(makeOne(), std::bad_alloc);
+    }
+    EXPECT_EQ(blocksHeld(), held);
+}
 
 TEST_F(Registry, LetsTheExceptionOutWithoutMemoryForANode)
 {
