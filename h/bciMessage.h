@@ -29,7 +29,9 @@ typedef BciMessageBase* (*BciMsgFactory)(SIGSELECT sigNo);
 /// status(). False means that an XML element is missing or that a message's own check rejected a value, which a
 /// codec says in one line of the system log. (BciHwLogSetReqMsg has an exception of its own.) A failed read
 /// leaves what was read so far in the wire structure; what the data did not reach holds what it held before, in a
-/// message just created what its allocation held.
+/// message just created what its allocation held. (Two messages are cleared before text and binary are read,
+/// BciCapabilityCfmMsg and BciGetHwPidCfmMsg; the log of a BciHwLogSetReqMsg is filled up where its text ends
+/// early.)
 ///
 /// Byte order: a binary form begins with the signal number in the host's own byte order, which on the
 /// big-endian target is that of all other fields. What a host of the other order wrote needs its first four
