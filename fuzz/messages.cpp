@@ -335,7 +335,7 @@ bool read(BciMessageBase& message, Form form, char* buffer, unsigned int& length
 }
 
 bool compareWithStrictReading(const Signal& signal, Form form, std::string_view rendering, bool result,
-                              const BciMessageBase& message)
+                              unsigned int consumed, const BciMessageBase& message)
 {
     StrictSink sink;
     const tool::Reading reading = tool::read({rendering, form, std::endian::native, &signal}, sink);
@@ -346,6 +346,12 @@ bool compareWithStrictReading(const Signal& signal, Form form, std::string_view 
     // One character more is what that reader wants.
     expect(result || (form == Form::text && std::string_view(signal.shape->className) == "BciHwLogSetReqMsg"),
            "refused what reads without a fault");
+    // One reader wants a character more, another leaves the second delimiter of an empty list.
+    const std::string_view name = signal.shape->className;
+    const bool isOther = form == Form::text && (name == "BciHwLogSetReqMsg" || name == "BciCapabilityCfmMsg");
+    expect(form == Form::xml ? consumed == 0
+                             : consumed + isOther >= reading.end && consumed <= reading.end + isOther,
+           "has not consumed as much as a strict reading");
     const std::vector<codec::Leaf> strict = leaves(*signal.shape, sink.room.data());
     const std::vector<codec::Leaf> lenient = leaves(*signal.shape, message.getMsg());
     expect(strict.size() == lenient.size(), "has not as many fields as a strict reading");
@@ -421,6 +427,8 @@ void instantiate(Input input, Form form, Trace& trace)
     expectOnlyRead(buffer, before, length);
     expect(instantiated != 0 || length == buffer.size(),
            "consumed something though there was no message to read it");
+    expect((message != nullptr) == (instantiated != 0 && (result || form != Form::binary)),
+           "a message that was not read is handed out in binary, or gone in another form");
     if (message == nullptr)
     {
         return;
@@ -428,14 +436,77 @@ void instantiate(Input input, Form form, Trace& trace)
     const Signal& signal = *findSignal(instantiated);
     add(trace, signal, *message);
     const std::string_view bytes(buffer.data(), buffer.size());
-    compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, result, *message);
+    compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, result, length, *message);
 }
+
+namespace
+{
+
+// What is read from the position of a caller's stream is what is read from a buffer that begins there. Its first
+// word, which is not at position 0, has the target's byte order.
+void expectTheSameThroughStream(const Signal& signal, Form form, std::uint8_t prefill, std::string_view bytes,
+                                bool result, unsigned int length, const BciMessageBase& expected)
+{
+    constexpr std::string_view kInFront = "1:2";
+    const std::unique_ptr<BciMessageBase> message(makeFilled(signal.number));
+    fill(signal, *message, prefill);
+    const Guarded buffer(kInFront, bytes);
+    const auto readFrom = [&](auto& stream, auto operation)
+    {
+        stream.attachBuffer(buffer.data(), buffer.size());
+        stream.seekg(static_cast<unsigned int>(kInFront.size()));
+        expect((message.get()->*operation)(stream) == result, "another result from a stream");
+        expect(stream.tellg() == kInFront.size() + length, "another length from a stream");
+    };
+    commonStream::istream_text text;
+    commonStream::istream_binary binary;
+    if (form == Form::text)
+    {
+        readFrom(text, &BciMessageBase::deserializeBciMsgFromText);
+    }
+    else
+    {
+        readFrom(binary, &BciMessageBase::deserializeBciMsgFromBinary);
+    }
+    expect(std::memcmp(message->getMsg(), expected.getMsg(), signal.shape->structureSize) == 0,
+           "something else is read from a stream");
+}
+
+// Where the data ends early, what it does not reach is as it was; but the number that it ends in may be 0, a text
+// ends there, and two messages are cleared before.
+void expectTheRestAsItWas(const Signal& signal, Form form, std::uint8_t prefill, std::string_view bytes,
+                          const BciMessageBase& whole)
+{
+    const std::string_view name = signal.shape->className;
+    const bool isCleared = form != Form::xml && (name == "BciCapabilityCfmMsg" || name == "BciGetHwPidCfmMsg");
+    const bool mayBeZero = form == Form::text || isCleared;
+    const std::unique_ptr<BciMessageBase> before(makeFilled(signal.number));
+    fill(signal, *before, prefill);
+    const std::unique_ptr<BciMessageBase> message(makeFilled(signal.number));
+    for (const std::size_t left :
+         {bytes.size() / 3, bytes.size() / 2, bytes.size() - std::min<std::size_t>(bytes.size(), 2)})
+    {
+        message->setMsg(before->getMsg());
+        const Guarded buffer(bytes.substr(0, left), endOf(form));
+        unsigned int length = buffer.size();
+        read(*message, form, buffer.data(), length);
+        for (unsigned int i = 0; i < signal.shape->structureSize; ++i)
+        {
+            const char byte = message->getMsg()[i];
+            expect(byte == before->getMsg()[i] || byte == whole.getMsg()[i] || (byte == '\0' && mayBeZero),
+                   "something has changed that the data does not reach");
+        }
+    }
+}
+
+} // namespace
 
 void deserialize(Input input, Form form, Trace& trace)
 {
     const Signal& signal = classOf(input);
     const std::unique_ptr<BciMessageBase> message(makeFilled(signal.number));
-    fill(signal, *message, input.byte());
+    const std::uint8_t prefill = input.byte();
+    fill(signal, *message, prefill);
     const Guarded buffer(input.rest(), endOf(form));
     if (form == Form::binary)
     {
@@ -449,7 +520,16 @@ void deserialize(Input input, Form form, Trace& trace)
     add(trace, signal, *message);
     expectOnlyRead(buffer, before, length);
     const std::string_view bytes(buffer.data(), buffer.size());
-    compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, result, *message);
+    compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, result, length, *message);
+    // That one fills up its log.
+    if (form != Form::text || std::string_view(signal.shape->className) != "BciHwLogSetReqMsg")
+    {
+        expectTheRestAsItWas(signal, form, prefill, bytes.substr(0, input.rest().size()), *message);
+    }
+    if (form != Form::xml)
+    {
+        expectTheSameThroughStream(signal, form, prefill, input.rest(), result, length, *message);
+    }
 }
 
 } // namespace bci::fuzz

@@ -44,10 +44,11 @@ inline std::string_view endOf(Form form)
 }
 
 // Holds what a message has read of a rendering (in the host's byte order; XML with a zero behind it) against a
-// strict reading: without damage, the values are the same; without any finding, the codec writes the same bytes
-// for them. Returns whether there is no damage, and the form promises to bring back such values.
+// strict reading: without damage, the values and what was consumed are the same; without any finding, the codec
+// writes the same bytes for them. Returns whether there is no damage, and the form promises to bring back such
+// values.
 bool compareWithStrictReading(const Signal& signal, Form form, std::string_view rendering, bool result,
-                              const BciMessageBase& message);
+                              unsigned int consumed, const BciMessageBase& message);
 
 // Instantiates a message from an input, and notes all about it.
 void instantiate(Input input, Form form, Trace& trace);

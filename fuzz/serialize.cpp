@@ -46,12 +46,53 @@ void writeTo(const Signal& signal, const BciMessageBase& message, Form form, uns
     const std::string values = valuesOf(signal, back);
     const std::string_view bytes(exact.data(), exact.size());
     const bool isPromised =
-        compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, isRead, back);
+        compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, isRead, consumed, back);
     // The binary form carries everything.
     if (isPromised && form == Form::binary)
     {
         expect(consumed == length && values == valuesOf(signal, message), "does not read what it wrote");
     }
+}
+
+// The same through a stream of the caller, in front of whose position something stands already, and whatever its
+// status: as into a buffer that is as much smaller, but for the first word of the binary form.
+void writeThroughStream(const BciMessageBase& message, Form form, unsigned int size, unsigned int position)
+{
+    position = std::min(position, size);
+    const Guarded buffer(size);
+    const Guarded expected(size - position);
+    unsigned int length = size - position;
+    const bool result = write(message, form, expected.data(), length);
+    if (form == Form::binary && position != 0)
+    {
+        turnFirstWord(expected.data(), length);
+    }
+    const auto writeTo = [&](auto& stream, auto operation)
+    {
+        stream.attachBuffer(buffer.data(), size);
+        stream.put(std::string(position, '=').data(), position);
+        stream.status(position % 8);
+        expect((message.*operation)(stream) == result, "another result through a stream");
+        expect(stream.tellp() == position + length && stream.length() == position + length, "another length");
+    };
+    commonStream::ostream_text text;
+    commonStream::ostream_binary binary;
+    if (form == Form::binary)
+    {
+        writeTo(binary, &BciMessageBase::serializeBciMsgToBinary);
+    }
+    else
+    {
+        writeTo(text, form == Form::text ? &BciMessageBase::serializeBciMsgToText
+                                         : &BciMessageBase::serializeBciMsgToXml);
+    }
+    const std::string_view written(buffer.data(), size);
+    expect(written.find_first_not_of('=') >= position, "something changed in front of the stream's position");
+    expect(written.substr(position, length) == std::string_view(expected.data(), length),
+           "something else was written through a stream");
+    expect(std::all_of(buffer.data() + position + length, buffer.data() + size,
+                       [](char byte) { return byte == fillByte; }),
+           "something changed behind what was written through a stream");
 }
 
 } // namespace
@@ -68,6 +109,7 @@ void run(Input input, Trace& trace)
     fill(signal, *message, static_cast<char>(how), input);
     writeTo(signal, *message, form, size, trace);
     writeTo(signal, *message, form, kRoom, trace);
+    writeThroughStream(*message, form, size, how / 3U);
 }
 
 } // namespace bci::fuzz
