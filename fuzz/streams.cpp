@@ -77,13 +77,13 @@ bool doCommon(Stream& stream, std::uint8_t operation, const Guarded& buffer, Inp
         return true;
     case 2:
     {
-        const auto direction = static_cast<seekdir>(input.byte() % 3);
+        const auto direction = static_cast<seekdir>(input.byte() % 4);
         seek(stream, direction, static_cast<std::int8_t>(input.byte()));
         return true;
     }
     case 3:
     {
-        const auto direction = static_cast<seekdir>(input.byte() % 3);
+        const auto direction = static_cast<seekdir>(input.byte() % 4);
         seek(stream, direction, static_cast<int>(input.number(4)));
         return true;
     }
@@ -100,7 +100,7 @@ bool doCommon(Stream& stream, std::uint8_t operation, const Guarded& buffer, Inp
         stream.setbad();
         return true;
     case 8:
-        stream.status(input.byte() % 8U);
+        stream.status(input.byte());
         return true;
     case 9:
         stream.reset();
