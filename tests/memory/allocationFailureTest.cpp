@@ -219,9 +219,9 @@ TEST_F(Registry, TakesOneNodeForEachNumber)
 }
 
 // Nothing can be said of it in a result that is always true, or by a pointer that is never null. The library
-// carries no unwind tables on the target, so there the exception ends the program; where it has them, the
-// exception leaves the library.
-#ifdef __powerpc__
+// carries no unwind tables on the target and on ARM, so there the exception ends the program; where it has them,
+// the exception leaves the library.
+#if defined(__powerpc__) || defined(__arm__)
 
 TEST_F(Registry, EndsTheProgramWithoutMemoryForANode)
 {

@@ -144,28 +144,36 @@ public:
     virtual void oneMoreVirtual() {}
 };
 
-// A pointer to a member function holds two words. The first is the function's address, which is even, or
-// one more than the offset of its entry in the virtual table.
+// A pointer to a member function holds two words. The first is the function's address or the offset of its entry
+// in the virtual table. Which one it is says the lowest bit of that word, and on ARM, where addresses may be odd,
+// of the other.
 template <typename Method>
-std::ptrdiff_t firstWordOf(Method method)
+std::array<std::ptrdiff_t, 2> wordsOf(Method method)
 {
     std::array<std::ptrdiff_t, 2> words;
     static_assert(sizeof method == sizeof words);
     std::memcpy(words.data(), &method, sizeof words);
-    return words[0];
+    return words;
 }
+
+#ifdef __arm__
+constexpr std::size_t kWordOfKind = 1;
+#else
+constexpr std::size_t kWordOfKind = 0;
+#endif
 
 template <typename Method>
 bool isVirtual(Method method)
 {
-    return firstWordOf(method) % 2 == 1;
+    return wordsOf(method)[kWordOfKind] % 2 == 1;
 }
 
 template <typename Method>
 std::ptrdiff_t slotOf(Method method)
 {
     EXPECT_TRUE(isVirtual(method));
-    return (firstWordOf(method) - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
+    const std::ptrdiff_t offset = wordsOf(method)[0] - (kWordOfKind == 0 ? 1 : 0);
+    return offset / static_cast<std::ptrdiff_t>(sizeof(void*));
 }
 
 // Renders an audit confirm with these references into a buffer of `size` bytes.
