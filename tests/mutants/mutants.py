@@ -47,6 +47,7 @@ PROGRAMS = {
     "example_auditCfm": [],
 }
 ALONE = "one_internal_test"
+GTEST = ["lib/libgmock_main.a", "lib/libgmock.a", "lib/libgtest.a"]
 EXAMPLE = b"15 characters: 23430145:1:2:3:\nmain state: 3\n"
 FIRST_TESTS = 20  # of those that come by a mistake, the quickest
 LONGEST = 10  # times what a program takes without a mistake
@@ -58,7 +59,7 @@ class Tree:
     def __init__(self, name):
         self.path = BUILD / name
         self.usual = {}  # seconds that a program takes
-        self.alone = []  # objects of internal_tests that make a program without the tools, which take long to build
+        self.alone = []  # instances and lists of objects
 
     def copy(self):
         self.path.mkdir(parents=True, exist_ok=True)
@@ -89,20 +90,27 @@ class Tree:
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)  # fmt: skip
         return done.stdout if done.returncode != 0 else None
 
-    def link_alone(self, instance, test):
-        """Makes a program of one source of internal_tests and of the library. Returns whether there is one."""
-        needed = ["tests_support", "bci_catalogue", "bci", "gmock_main", "gmock", "gtest"]
-        libraries = [f"lib/lib{name}.a" for name in needed]
-        if self.build(instance, test, *libraries):
-            return False
-        return subprocess.run(["g++", "-fuse-ld=gold", test, *libraries, "-o", "bin/" + ALONE],
-                              cwd=self.path / "build" / instance, stderr=subprocess.DEVNULL).returncode == 0  # fmt: skip
-
     def find_alone(self, instance):
+        """What each source of internal_tests takes to make a program, if it does without the tools."""
         build = self.path / "build" / instance
-        objects = sorted(build.glob("tests/CMakeFiles/internal_tests.dir/**/*.o"))
-        tests = [str(path.relative_to(build)) for path in objects]
-        self.alone = [test for test in tests if self.link_alone(instance, test)]
+        ours = {"tests_support": "tests_support", "bci_catalogue": "bci_catalogue", "bci": "bci_objects"}
+        for test in sorted(build.glob("tests/CMakeFiles/internal_tests.dir/**/*.o")):
+            libraries = [f"lib/lib{name}.a" for name in ours]
+            done = subprocess.run(["g++", "-fuse-ld=bfd", "-Wl,-M", test, *libraries, *GTEST, "-o", "bin/" + ALONE],
+                                  cwd=build, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)  # fmt: skip
+            if done.returncode == 0:
+                members = set(re.findall(r"lib/lib(?:" + "|".join(ours) + r")\.a\((\S+\.o)\)", done.stdout))
+                built = (path for target in ours.values() for path in build.glob(f"**/{target}.dir/**/*.o"))
+                taken = [path for path in built if path.name in members]
+                self.alone.append((instance, [str(path.relative_to(build)) for path in (test, *taken)]))
+
+    def passes_alone(self, instance, objects):
+        """The same of one source of internal_tests, where only what it takes is built."""
+        if self.build(instance, *objects):
+            return False
+        subprocess.run(["g++", "-fuse-ld=gold", *objects, *GTEST, "-o", "bin/" + ALONE],
+                       cwd=self.path / "build" / instance, check=True)  # fmt: skip
+        return self.passes(instance, ALONE, mistake=-1, usual=2)
 
     def passes(self, instance, program, tests=None, mistake=0, reached=None, usual=None):
         """Whether the program, or only some of its tests, find nothing wrong. Returns the seconds that it took."""
@@ -319,21 +327,27 @@ def judge_in_text(trees, sources, mistakes, results):
         for first in range(0, len(those), size):
             left.put((name, those[first : first + size]))
 
-    def judge(tree, source, mistake, instances):
+    def notices(tree, instance, objects):
+        """None: does not compile."""
+        if objects:
+            passed = tree.passes_alone(instance, objects)
+        else:
+            passed = not tree.build(instance, "bci_shared") and tree.passes(instance, "public_tests", mistake=-1)
+        return None if passed is False else passed is None
+
+    def judge(tree, source, mistake, witnesses):
+        """What a source takes is built for it alone, as all together take long."""
         tree.write(mistake.file, source.with_mistake(mistake).encode())
-        for instance in list(instances):
-            if tree.build(instance, "bci_shared"):
+        for witness in list(witnesses):
+            instance, objects = witness
+            noticed = notices(tree, *witness)
+            if noticed is None:
                 return "does not compile"
-            if tree.passes(instance, "public_tests", mistake=-1) is None:
+            if noticed:
                 # It is likely to notice the next one, too.
-                instances.sort(key=lambda other: other != instance)
-                return f"noticed by public_tests, {instance}"
-        for instance in instances:
-            for test in list(tree.alone):
-                if tree.link_alone(instance, test) and tree.passes(instance, ALONE, mistake=-1) is None:
-                    tree.alone.sort(key=lambda other: other != test)
-                    return f"noticed by internal_tests, {instance}"
-        for instance in instances:
+                witnesses.sort(key=lambda other: other != witness)
+                return f"noticed by {'internal_tests' if objects else 'public_tests'}, {instance}"
+        for instance in INSTANCES:
             if tree.build(instance, *PROGRAMS):
                 return "does not compile"
             for program in PROGRAMS:
@@ -344,9 +358,10 @@ def judge_in_text(trees, sources, mistakes, results):
     def work(tree):
         while (part := take(left)) is not None:
             name, those = part
-            instances = INSTANCES[:]
+            public = [(instance, None) for instance in INSTANCES]  # which take the whole library
+            witnesses = sorted(public + tree.alone, key=lambda witness: len(witness[1]) if witness[1] else 20)
             for mistake in those:
-                results.add(mistake, judge(tree, sources[name], mistake, instances))
+                results.add(mistake, judge(tree, sources[name], mistake, witnesses))
             tree.write(name, sources[name].text.encode())
 
     in_parallel([lambda tree=tree: work(tree) for tree in trees])
@@ -429,7 +444,7 @@ def main():
                 if errors or None in [tree.passes(instance, program) for program in PROGRAMS]:
                     print(f"{instance} fails without a mistake", errors or "", file=sys.stderr)
                     os._exit(1)
-            tree.find_alone(INSTANCES[0])
+                tree.find_alone(instance)
 
         in_parallel([lambda tree=tree: prepare(tree) for tree in trees])
         judge_in_text(trees, sources, in_text, results)
