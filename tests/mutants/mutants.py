@@ -4,7 +4,8 @@ that a test fails.
 
 Mistakes that can be made at run time are compiled into one copy of the library, and a number in the environment chooses
 one. The others are made in the text of a copy, which is built anew for each. Both kinds are tried in both instances of
-the engine, until one notices. Results go to build/mutants/results.tsv.
+the engine, until one notices; where nothing does, the instructions are counted that the library then takes. Results
+go to build/mutants/results.tsv.
 
 An interrupted run is taken up where it was left, as long as nothing has changed. With --resume, what has been
 noticed before counts as noticed, and what has survived and is explained as surviving, as long as its line is there.
@@ -49,6 +50,8 @@ PROGRAMS = {
 ALONE = "one_internal_test"
 GTEST = ["lib/libgmock_main.a", "lib/libgmock.a", "lib/libgtest.a"]
 EXAMPLE = b"15 characters: 23430145:1:2:3:\nmain state: 3\n"
+COST = "noticed by budget.instructions, speed"
+SO_FAR = "survived so far"  # not judged by its cost yet
 FIRST_TESTS = 20  # of those that come by a mistake, the quickest
 LONGEST = 10  # times what a program takes without a mistake
 
@@ -83,6 +86,23 @@ class Tree:
              "-D", "CMAKE_CXX_FLAGS_DEBUG=-O0", "-D", "CMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold",
              "-D", f"CMAKE_CXX_FLAGS=-w -Wno-narrowing {FLAGS[instance]} -include {include}"],
             check=True, stdout=subprocess.DEVNULL)  # fmt: skip
+
+    def configure_for_cost(self):
+        subprocess.run(
+            ["cmake", "-G", "Ninja", "-S", self.path, "-B", self.path / "build/cost", "-D", "BCI_BUILD_TESTS=ON",
+             "-D", "BCI_OPTIMIZE=speed", "-D", "CMAKE_BUILD_TYPE=RelWithDebInfo", "-D", "CMAKE_CXX_COMPILER=g++",
+             "-D", "CMAKE_CXX_FLAGS=-w"],
+            check=True, stdout=subprocess.DEVNULL)  # fmt: skip
+        if self.is_dearer():
+            print("dearer without a mistake", file=sys.stderr)
+            os._exit(1)
+
+    def is_dearer(self):
+        """None: does not compile."""
+        if self.build("cost", "budget_calls"):
+            return None
+        command = [self.path / "tests/budget/instructions.py", self.path / "build/cost/bin/budget_calls"]
+        return subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode != 0
 
     def build(self, instance, *targets, jobs=1):
         """Returns what the compiler says, or None if all is well."""
@@ -317,15 +337,35 @@ def take(things):
         return None
 
 
-def judge_in_text(trees, sources, mistakes, results):
+def by_parts(mistakes):
+    """Parts of a file each, those that take longest first."""
     files = {}
     for mistake in mistakes:
         files.setdefault(mistake.file, []).append(mistake)
-    left = queue.SimpleQueue()
+    parts = queue.SimpleQueue()
     for name, those in sorted(files.items(), key=lambda item: not item[0].endswith(".h")):
         size = 20 if name.endswith(".h") else 1000
         for first in range(0, len(those), size):
-            left.put((name, those[first : first + size]))
+            parts.put((name, those[first : first + size]))
+    return parts
+
+
+def judge_by_cost(trees, sources, mistakes, results):
+    left = by_parts(mistakes)
+
+    def work(tree):
+        while (part := take(left)) is not None:
+            name, those = part
+            for mistake in those:
+                tree.write(name, sources[name].with_mistake(mistake).encode())
+                results.add(mistake, COST if tree.is_dearer() else "survived")
+            tree.write(name, sources[name].text.encode())
+
+    in_parallel([lambda tree=tree: work(tree) for tree in trees])
+
+
+def judge_in_text(trees, sources, mistakes, results):
+    left = by_parts(mistakes)
 
     def notices(tree, instance, objects):
         """None: does not compile."""
@@ -347,6 +387,8 @@ def judge_in_text(trees, sources, mistakes, results):
                 # It is likely to notice the next one, too.
                 witnesses.sort(key=lambda other: other != witness)
                 return f"noticed by {'internal_tests' if objects else 'public_tests'}, {instance}"
+        if tree.is_dearer():
+            return COST
         for instance in INSTANCES:
             if tree.build(instance, *PROGRAMS):
                 return "does not compile"
@@ -433,12 +475,14 @@ def main():
             at_run_time = [m for m in at_run_time if m not in refused]
             at_run_time = judge_at_run_time(tree, instance, at_run_time, results)
         for mistake in at_run_time:
-            results.add(mistake, "survived" if mistake.reached else "not reached")
-    if in_text:
+            results.add(mistake, SO_FAR if mistake.reached else "not reached")
+    dear = [m for m in mistakes if results.known.get(m.full_key) == SO_FAR]
+    if dear or in_text:
 
         def prepare(tree):
             tree.copy()
-            for instance in INSTANCES:
+            tree.configure_for_cost()
+            for instance in INSTANCES if in_text else []:
                 tree.configure(instance)
                 errors = tree.build(instance, *PROGRAMS)
                 if errors or None in [tree.passes(instance, program) for program in PROGRAMS]:
@@ -447,6 +491,7 @@ def main():
                 tree.find_alone(instance)
 
         in_parallel([lambda tree=tree: prepare(tree) for tree in trees])
+        judge_by_cost(trees, sources, dear, results)
         judge_in_text(trees, sources, in_text, results)
 
     return report(mistakes, results.known, complete=not options.files and not options.sample)
