@@ -3,11 +3,14 @@
 
 usage: docs/pageFilter.py FILE      prints the file
        docs/pageFilter.py --files   prints what the pages link to and is no page
+       docs/pageFilter.py --check DIRECTORY
+                                    tells which pieces of code in the documents the pages there do not show as they are
 
 Pages and headings receive the names that links to them have. A link to a file that is no page leads to its copy under
-files/, where docs/build puts it.
+files/, where docs/build puts it. Within code, Doxygen would take away the '%' in front of a word.
 """
 
+import html
 import os
 import pathlib
 import re
@@ -16,6 +19,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 CATALOGUE = "docs/catalogue/README.md"  # whose pages lie below it
 LINK = re.compile(r"(!?)\[([^\]]*)\]\(([^()\s]+)\)")
+CODE = re.compile(r"`([^`]+)`")
 
 
 def pages():
@@ -46,6 +50,17 @@ def is_external(link):
     return re.match(r"[a-z]+:", link) is not None
 
 
+def lines_of(path):
+    """The lines of a document, each with whether it stands outside of blocks of code."""
+    fenced = False
+    for line in (ROOT / path).read_text().splitlines():
+        if line.startswith("```"):
+            fenced = not fenced
+            yield line, False
+        else:
+            yield line, not fenced
+
+
 def converted(path, known):
     def link(match):
         bang, text, target = match.groups()
@@ -63,15 +78,12 @@ def converted(path, known):
 
     lines = []
     below = set()
-    fenced = False
-    for line in (ROOT / path).read_text().splitlines():
-        if line.startswith("```"):
-            fenced = not fenced
-        elif not fenced and (heading := re.match(r"(#+) (.*)", line)):
+    for line, is_prose in lines_of(path):
+        if is_prose and (heading := re.match(r"(#+) (.*)", line)):
             name = page_id(path) if len(heading[1]) == 1 else heading_id(path, heading[2])
             line = f"{line} {{#{'mainpage' if name == 'index' else name}}}"
-        elif not fenced and not line.startswith("    "):
-            line = LINK.sub(link, line)
+        elif is_prose and not line.startswith("    "):
+            line = CODE.sub(lambda code: re.sub(r"%(?=\w)", "%%", code[0]), LINK.sub(link, line))
         lines.append(line)
     return "\n".join(lines) + "\n"
 
@@ -86,11 +98,28 @@ def files(known):
     return sorted(found)
 
 
+def check(directory, known):
+    total = lost = 0
+    for path in known:
+        page = (directory / f"{page_id(path)}.html").read_text()
+        shown = {html.unescape(re.sub("<[^>]*>", "", code)).strip() for code in re.findall("<code>(.*?)</code>", page)}
+        for line, is_prose in lines_of(path):
+            for code in CODE.findall(line) if is_prose and not line.startswith("    ") else []:
+                total += 1
+                if code.replace("\\|", "|").strip() not in shown:
+                    lost += 1
+                    print(f"{path}: {code} is not shown so")
+    print(f"{total} pieces of code, {lost} of them not shown as they are")
+    raise SystemExit(1 if lost or total == 0 else 0)
+
+
 def main():
-    if len(sys.argv) != 2:
+    if len(sys.argv) != (3 if sys.argv[1:2] == ["--check"] else 2):
         raise SystemExit(__doc__)
     known = pages()
-    if sys.argv[1] == "--files":
+    if sys.argv[1] == "--check":
+        check(pathlib.Path(sys.argv[2]), known)
+    elif sys.argv[1] == "--files":
         print(*files(known), sep="\n")
     else:
         sys.stdout.write(converted(os.path.relpath(sys.argv[1], ROOT), known))

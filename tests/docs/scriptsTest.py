@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """The scripts that hold documents against what is there notice what is wrong."""
 
+import html
 import pathlib
+import re
 import subprocess
 import tempfile
 import unittest
@@ -74,6 +76,24 @@ class Scripts(unittest.TestCase):
         self.assertEqual(self.run_script(*check), (1, "a.html: b.html#there leads nowhere\n"
                                                       "b.html: d.svg leads nowhere\n"
                                                       "2 pages, 3 links, 2 of them broken\n"))
+
+    def test_code_in_pages(self):
+        converted = self.run_script(ROOT / "docs/pageFilter.py", ROOT / "docs/catalogue/BCI_FAULT_IND.md")[1]
+        self.assertIn("`[src/bciFaultMsg:81] additionalDataLength %%d > %%d`", converted)
+        for page in [*ROOT.glob("*.md"), *ROOT.glob("docs/**/*.md"), ROOT / "examples/bulk/README.md"]:
+            name = str(page.relative_to(ROOT)).removesuffix(".md").replace("/", "-")
+            code = re.findall("`([^`\n]+)`", page.read_text())
+            self.write("index.html" if name == "README" else f"page-{name}.html",
+                       "".join(f"<code>{html.escape(piece)}</code>" for piece in code))
+        check = [ROOT / "docs/pageFilter.py", "--check", self.folder]
+        status, output = self.run_script(*check)
+        self.assertEqual(status, 0)
+        self.assertRegex(output, r"^[1-9]\d* pieces of code, 0 of them not shown as they are\n$")
+        self.write("page-docs-catalogue-BCI_AUDIT_CFM.html", "<code>sigNo</code>")
+        status, output = self.run_script(*check)
+        self.assertEqual(status, 1)
+        self.assertIn("docs/catalogue/BCI_AUDIT_CFM.md: <mainState> is not shown so\n", output)
+        self.assertNotIn(": sigNo is not shown so", output)
 
 
 unittest.main()
