@@ -4,10 +4,10 @@
 usage: docs/pageFilter.py FILE      prints the file
        docs/pageFilter.py --files   prints what the pages link to and is no page
        docs/pageFilter.py --check DIRECTORY
-                                    tells which pieces of code in the documents the pages there do not show as they are
+                                    tells what code in the documents the pages there do not show as it is
 
 Pages and headings receive the names that links to them have. A link to a file that is no page leads to its copy under
-files/, where docs/build puts it. Within code, Doxygen would take away the '%' in front of a word.
+files/, where docs/build puts it. Within code, Doxygen would take away the '%' in front of a word, and tabs from blocks.
 """
 
 import html
@@ -50,15 +50,22 @@ def is_external(link):
     return re.match(r"[a-z]+:", link) is not None
 
 
-def lines_of(path):
-    """The lines of a document, each with whether it stands outside of blocks of code."""
-    fenced = False
+def parts(path):
+    """A document's lines, and its blocks of code as lists of lines, their fences included."""
+    block = []
     for line in (ROOT / path).read_text().splitlines():
-        if line.startswith("```"):
-            fenced = not fenced
-            yield line, False
+        if block or line.startswith("```"):
+            block.append(line)
+            if len(block) > 1 and line.startswith("```"):
+                yield block
+                block = []
         else:
-            yield line, not fenced
+            yield line
+
+
+def as_html(block):
+    text = html.escape("\n".join(block[1:-1])).replace("\t", "&#9;")
+    return ["\\htmlonly[block]", f'<pre class="fragment">{text}</pre>', "\\endhtmlonly"]
 
 
 def converted(path, known):
@@ -78,13 +85,16 @@ def converted(path, known):
 
     lines = []
     below = set()
-    for line, is_prose in lines_of(path):
-        if is_prose and (heading := re.match(r"(#+) (.*)", line)):
+    for part in parts(path):
+        if isinstance(part, list):
+            lines += as_html(part) if any("\t" in line for line in part) else part
+        elif heading := re.match(r"(#+) (.*)", part):
             name = page_id(path) if len(heading[1]) == 1 else heading_id(path, heading[2])
-            line = f"{line} {{#{'mainpage' if name == 'index' else name}}}"
-        elif is_prose and not line.startswith("    "):
-            line = CODE.sub(lambda code: re.sub(r"%(?=\w)", "%%", code[0]), LINK.sub(link, line))
-        lines.append(line)
+            lines.append(f"{part} {{#{'mainpage' if name == 'index' else name}}}")
+        elif part.startswith("    "):
+            lines.append(part)
+        else:
+            lines.append(CODE.sub(lambda code: re.sub(r"%(?=\w)", "%%", code[0]), LINK.sub(link, part)))
     return "\n".join(lines) + "\n"
 
 
@@ -98,17 +108,39 @@ def files(known):
     return sorted(found)
 
 
+def text_of(markup):
+    return html.unescape(re.sub("<[^>]*>", "", markup))
+
+
+def code_in_page(page):
+    """Pieces of code, and blocks as their lines."""
+    page = re.sub(r'<div class="ttc".*?</div></div>', "", page)
+    for code in re.findall("<code>(.*?)</code>", page):
+        yield text_of(code).strip()
+    for block in re.findall('<pre class="fragment">(.*?)</pre>', page, re.DOTALL):
+        yield tuple(map(str.rstrip, text_of(block).splitlines()))
+    for block in re.findall('<div class="fragment">(.*?)</div><!-- fragment -->', page, re.DOTALL):
+        yield tuple(text_of(line).rstrip() for line in re.findall('<div class="line">(.*?)</div>', block))
+
+
+def code_in_document(path):
+    """The same."""
+    for part in parts(path):
+        if isinstance(part, list):
+            yield tuple(map(str.rstrip, part[1:-1]))
+        elif not part.startswith("    "):
+            yield from (code.replace("\\|", "|").strip() for code in CODE.findall(part))
+
+
 def check(directory, known):
     total = lost = 0
     for path in known:
-        page = (directory / f"{page_id(path)}.html").read_text()
-        shown = {html.unescape(re.sub("<[^>]*>", "", code)).strip() for code in re.findall("<code>(.*?)</code>", page)}
-        for line, is_prose in lines_of(path):
-            for code in CODE.findall(line) if is_prose and not line.startswith("    ") else []:
-                total += 1
-                if code.replace("\\|", "|").strip() not in shown:
-                    lost += 1
-                    print(f"{path}: {code} is not shown so")
+        shown = set(code_in_page((directory / f"{page_id(path)}.html").read_text()))
+        for code in code_in_document(path):
+            total += 1
+            if code not in shown:
+                lost += 1
+                print(f"{path}: {code if isinstance(code, str) else code[0]} is not shown so")
     print(f"{total} pieces of code, {lost} of them not shown as they are")
     raise SystemExit(1 if lost or total == 0 else 0)
 

@@ -80,11 +80,14 @@ class Scripts(unittest.TestCase):
     def test_code_in_pages(self):
         converted = self.run_script(ROOT / "docs/pageFilter.py", ROOT / "docs/catalogue/BCI_FAULT_IND.md")[1]
         self.assertIn("`[src/bciFaultMsg:81] additionalDataLength %%d > %%d`", converted)
+        self.assertIn('<pre class="fragment">&#9;&lt;sigNo&gt;\n', converted)
         for page in [*ROOT.glob("*.md"), *ROOT.glob("docs/**/*.md"), ROOT / "examples/bulk/README.md"]:
             name = str(page.relative_to(ROOT)).removesuffix(".md").replace("/", "-")
-            code = re.findall("`([^`\n]+)`", page.read_text())
+            blocks = re.findall(r"^```\w+\n(.*?)^```$", page.read_text(), re.MULTILINE | re.DOTALL)
+            pieces = re.findall("`([^`\n]+)`", page.read_text())
             self.write("index.html" if name == "README" else f"page-{name}.html",
-                       "".join(f"<code>{html.escape(piece)}</code>" for piece in code))
+                       "".join(f'<pre class="fragment">{html.escape(block)}</pre>' for block in blocks) +
+                       "".join(f"<code>{html.escape(piece)}</code>" for piece in pieces))
         check = [ROOT / "docs/pageFilter.py", "--check", self.folder]
         status, output = self.run_script(*check)
         self.assertEqual(status, 0)
@@ -93,6 +96,7 @@ class Scripts(unittest.TestCase):
         status, output = self.run_script(*check)
         self.assertEqual(status, 1)
         self.assertIn("docs/catalogue/BCI_AUDIT_CFM.md: <mainState> is not shown so\n", output)
+        self.assertIn("docs/catalogue/BCI_AUDIT_CFM.md: \t<sigNo> is not shown so\n", output)
         self.assertNotIn(": sigNo is not shown so", output)
 
 
