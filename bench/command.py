@@ -97,10 +97,13 @@ def print_tables(figures, markdown):
     def times_as_fast(name, other):
         return report.with_spread([its / own for own, its in zip(rates[name], rates[other])])
 
+    def shown(name):
+        return f"`{name}`" if markdown and name != JQ else name
+
     rows = []
     for name, values in rates.items():
         beside = [times_as_fast(name, WC), times_as_fast(JQ, name)] if name in (DECODE, STATS) else ["", ""]
-        rows.append([name, report.with_spread(values), report.with_spread(figures["elapsed"][name]), *beside])
+        rows.append([shown(name), report.with_spread(values), report.with_spread(figures["elapsed"][name]), *beside])
     header = ["command", "MB of log per second of one core", "per second elapsed", "wc -l is faster by",
               "is faster than jq by"]
     title = (f"A log of {figures['bytes'] / 1e6:.0f} MB, {len(rates[DECODE])} times; its rows have "
@@ -109,7 +112,7 @@ def print_tables(figures, markdown):
     rows = []
     for name, bound in PROMISES:
         middle = report.spread(rates[name])[0]
-        rows.append([name, f"at least {bound} MB/s", report.with_spread(rates[name]),
+        rows.append([shown(name), f"at least {bound} MB/s", report.with_spread(rates[name]),
                      "kept" if middle >= bound else "NOT KEPT"])
     report.print_table("Promises of the command", ["command", "promise", "measured", "verdict"], rows, markdown)
 
