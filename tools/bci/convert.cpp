@@ -115,8 +115,8 @@ Run addConvert(CLI::App& app)
                      "Byte order of the first word in binary and hex, if not the record's own or big")
         ->check(CLI::IsMember(std::vector<std::string>{"big", "little"}));
     verb->footer("A record that is damaged, or of which the other form does not hold a value, is told on standard "
-                 "error and "
-                 "not written.\n\n"
+                 "error and not written. JSON, and traces and captures of records in their own form, hold damaged "
+                 "ones too.\n\n"
                  "Examples:\n"
                  "  bci convert --to xml record.bin\n"
                  "  bci convert --to hex --first-word little record.txt\n"
