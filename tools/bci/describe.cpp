@@ -30,6 +30,7 @@ struct Options
 {
     std::string signal;
     std::string format = "text";
+    bool isPicture = false;
 };
 
 // What a message says about buffers. A size may follow the count or length that the message holds.
@@ -513,7 +514,7 @@ int describe(const Options& options)
     const codec::Shape& shape = *signals.front()->shape;
     const Layout layout = layoutOf(shape);
     std::string text;
-    if (options.format == "svg")
+    if (options.isPicture || options.format == "svg")
     {
         text = picture(signals, layout);
     }
@@ -537,9 +538,11 @@ Run addDescribe(CLI::App& app)
                      "Number (decimal or 0x...), name or class of a signal; BCI_ and Bci may be left out")
         ->type_name("SIGNAL")
         ->required();
-    verb->add_option("--format", options->format, "How to show it: to read, as JSON, or as a picture of the bytes")
-        ->capture_default_str()
-        ->check(CLI::IsMember({"text", "json", "svg"}));
+    CLI::Option* const format = verb->add_option("--format", options->format,
+                                                 "How to show it: to read, as JSON, or as a picture of the bytes")
+                                    ->capture_default_str()
+                                    ->check(CLI::IsMember({"text", "json", "svg"}));
+    verb->add_flag("--svg", options->isPicture, "Short for --format svg")->excludes(format);
     verb->footer("In names, i and j stand for the indexes of list elements, which count from 0.\n"
                  "\n"
                  "Exit status: 0, or 2 for trouble (wrong use, an unknown signal).\n"
@@ -547,7 +550,7 @@ Run addDescribe(CLI::App& app)
                  "Examples:\n"
                  "  bci describe BciAuditCfm\n"
                  "  bci describe 0x1658401 --format json\n"
-                 "  bci describe GET_CAPABILITIES_CFM --format svg > capabilities.svg");
+                 "  bci describe GET_CAPABILITIES_CFM --svg > capabilities.svg");
     return [options] { return describe(*options); };
 }
 
