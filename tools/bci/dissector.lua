@@ -753,6 +753,7 @@ function Reader:lookAtOtherElements()
     local bytes = self.bytes
     local behindLayout = self.inLayout and self.position or self.layoutEnd
     local before = cut(bytes, 0, behindLayout)
+    local closings = {} -- where the next one of a name is, or false
     local at = find(bytes, "<", behindLayout)
     while at do
         local stop = findSet(bytes, "[<>]", at + 1)
@@ -760,7 +761,11 @@ function Reader:lookAtOtherElements()
             not self.openings[at] then
             local name = cut(bytes, at + 1, stop - at - 1)
             local closing = "</" .. name .. ">"
-            local closed = find(bytes, closing, stop)
+            local closed = closings[name]
+            if closed == nil or closed and closed < stop then
+                closed = find(bytes, closing, stop) or false
+                closings[name] = closed
+            end
             self.position = math.max(self.position, closed and closed + #closing or stop + 1)
             local length = stop + 1 - at
             if self.readUpTo[name] or find(before, "<" .. name .. ">", 0) then

@@ -562,7 +562,8 @@ private:
             if (packet.length > kReach)
             {
                 throw Trouble(m_inputName + ": packet " + std::to_string(number) + " is said to have " +
-                              std::to_string(packet.length) + " bytes, more than any signal has");
+                              std::to_string(packet.length) + " bytes; " + std::to_string(kReach) +
+                              " are the most that are read");
             }
             window.consume(kPcapPacketHeader);
             const std::string_view ahead = window.ahead(packet.length);
