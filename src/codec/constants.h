@@ -169,7 +169,7 @@ private:
     static constexpr std::uint64_t unit(std::size_t at, std::size_t place)
     {
         std::array<char, kWord> bytes = {};
-        if (place < kSize && place >= at && place < at + kWord)
+        if (place >= at && place < at + kWord)
         {
             bytes[place - at] = 1;
         }
