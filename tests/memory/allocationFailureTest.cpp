@@ -218,20 +218,9 @@ TEST_F(Registry, TakesOneNodeForEachNumber)
     EXPECT_EQ(allocationsIn([] { BciMsgRegistry::registerSupportedMsgClasses(); }), 0U);
 }
 
-// Nothing can be said of it in a result that is always true, or by a pointer that is never null. The library
-// carries no unwind tables on the target and on ARM, so there the exception ends the program; where it has them,
-// the exception leaves the library.
-#if defined(__powerpc__) || defined(__arm__)
-
-TEST_F(Registry, EndsTheProgramWithoutMemoryForANode)
-{
-    EXPECT_EXIT(
-        {
-            failAllocation(1);
-            BciMessageBase::registerBciMsgClass(1, &noMessage);
-        },
-        testing::KilledBySignal(SIGABRT), "");
-}
+// The library carries no unwind tables on the target, so there the exception ends the program. On ARM it has none
+// either, but the operator is not in the exception's way: it jumps to the global one.
+#ifdef __powerpc__
 
 TEST(OwnMessage, EndsTheProgramWithoutMemoryForIt)
 {
@@ -262,6 +251,24 @@ TEST(OwnMessage, LetsTheExceptionOutWithoutMemoryForIt)
     }
     EXPECT_EQ(blocksHeld(), held);
 }
+
+#endif
+
+// Nothing can be said of it in a result that is always true. Without unwind tables the exception ends the program;
+// with them it leaves the library.
+#if defined(__powerpc__) || defined(__arm__)
+
+TEST_F(Registry, EndsTheProgramWithoutMemoryForANode)
+{
+    EXPECT_EXIT(
+        {
+            failAllocation(1);
+            BciMessageBase::registerBciMsgClass(1, &noMessage);
+        },
+        testing::KilledBySignal(SIGABRT), "");
+}
+
+#else
 
 TEST_F(Registry, LetsTheExceptionOutWithoutMemoryForANode)
 {
