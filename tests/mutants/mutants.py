@@ -8,7 +8,7 @@ the engine, until one notices; where nothing does, the instructions are counted 
 go to build/mutants/results.tsv.
 
 An interrupted run is taken up where it was left, as long as nothing has changed. With --resume, what has been
-noticed before counts as noticed, and what has survived and is explained as surviving, as long as its line is there.
+found before counts as long as its line is there, but for what has survived without an explanation.
 """
 
 import argparse
@@ -181,7 +181,7 @@ class Results:
         explained = read_equivalent()
         for line in lines[1:]:
             *key, found = line.split("\t")
-            if same or resume and (found.startswith("noticed") or tuple(key) in explained):
+            if same or resume and (found.startswith(("noticed", "does not")) or tuple(key) in explained):
                 self.known[tuple(key)] = found
         with RESULTS.open("w") as file:
             print(digest, file=file)
