@@ -93,7 +93,7 @@ class Tree:
              "-D", "BCI_OPTIMIZE=speed", "-D", "CMAKE_BUILD_TYPE=RelWithDebInfo", "-D", "CMAKE_CXX_COMPILER=g++",
              "-D", "CMAKE_CXX_FLAGS=-w"],
             check=True, stdout=subprocess.DEVNULL)  # fmt: skip
-        if self.is_dearer():
+        if self.is_dearer() is not False:
             print("dearer without a mistake", file=sys.stderr)
             os._exit(1)
 
@@ -124,13 +124,19 @@ class Tree:
                 taken = [path for path in built if path.name in members]
                 self.alone.append((instance, [str(path.relative_to(build)) for path in (test, *taken)]))
 
-    def passes_alone(self, instance, objects):
-        """The same of one source of internal_tests, where only what it takes is built."""
+    def notices(self, instance, objects):
+        """Whether public_tests, or one source of internal_tests, find something wrong. None: does not compile."""
+        if objects is None:
+            if self.build(instance, "bci_shared"):
+                return None
+            return self.passes(instance, "public_tests", mistake=-1) is None
         if self.build(instance, *objects):
-            return False
-        subprocess.run(["g++", "-fuse-ld=gold", *objects, *GTEST, "-o", "bin/" + ALONE],
-                       cwd=self.path / "build" / instance, check=True)  # fmt: skip
-        return self.passes(instance, ALONE, mistake=-1, usual=2)
+            return None
+        linked = subprocess.run(["g++", "-fuse-ld=gold", *objects, *GTEST, "-o", "bin/" + ALONE],
+                                cwd=self.path / "build" / instance, stderr=subprocess.DEVNULL)  # fmt: skip
+        if linked.returncode != 0:
+            return None
+        return self.passes(instance, ALONE, mistake=-1, usual=2) is None
 
     def passes(self, instance, program, tests=None, mistake=0, reached=None, usual=None):
         """Whether the program, or only some of its tests, find nothing wrong. Returns the seconds that it took."""
@@ -367,20 +373,12 @@ def judge_by_cost(trees, sources, mistakes, results):
 def judge_in_text(trees, sources, mistakes, results):
     left = by_parts(mistakes)
 
-    def notices(tree, instance, objects):
-        """None: does not compile."""
-        if objects:
-            passed = tree.passes_alone(instance, objects)
-        else:
-            passed = not tree.build(instance, "bci_shared") and tree.passes(instance, "public_tests", mistake=-1)
-        return None if passed is False else passed is None
-
     def judge(tree, source, mistake, witnesses):
         """What a source takes is built for it alone, as all together take long."""
         tree.write(mistake.file, source.with_mistake(mistake).encode())
         for witness in list(witnesses):
             instance, objects = witness
-            noticed = notices(tree, *witness)
+            noticed = tree.notices(instance, objects)
             if noticed is None:
                 return "does not compile"
             if noticed:
