@@ -92,7 +92,7 @@ struct Shape
     const char* structureName;
     unsigned int structureSize; // bytes
     Group content;
-    const char* source = ""; // the source file that log lines name
+    const char* source; // the source file that log lines name
 };
 
 // The number that a field holds in a wire structure of the host. Not for texts.

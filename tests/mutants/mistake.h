@@ -65,6 +65,10 @@ constexpr T bciOther(const T& value)
     {
         return static_cast<T>(value + 1);
     }
+    else if constexpr (std::is_enum_v<T>)
+    {
+        return static_cast<T>(static_cast<std::underlying_type_t<T>>(value) + 1);
+    }
     else
     {
         return T();

@@ -39,7 +39,7 @@ constexpr Field kRows[] = {
     BCI_FIELD(SampleS, half, "half", 3), BCI_FIELD(SampleS, signedHalf, "signedHalf", 4),
     BCI_FIELD(SampleS, byte, "byte", 5), BCI_FIELD(SampleS, name, "name", 6),
 };
-constexpr Shape kShape = {"Sample", "SampleS", sizeof(SampleS), {kRows}};
+constexpr Shape kShape = {"Sample", "SampleS", sizeof(SampleS), {kRows}, ""};
 constexpr Signal kSignal = {1, "SAMPLE", &kShape};
 
 Rendering rendering(Form form, std::string_view bytes, const Signal* signal = &kSignal)

@@ -86,7 +86,7 @@ constexpr Part kDrawingFurther[] = {&kLimit,
                                     std::span<const Field>(kDrawingRows).subspan(4, 1),
                                     &kBlock};
 constexpr Shape kDrawing = {
-    "Drawing", "DrawingS", sizeof(DrawingS), {std::span<const Field>(kDrawingRows).first(2), kDrawingFurther}};
+    "Drawing", "DrawingS", sizeof(DrawingS), {std::span<const Field>(kDrawingRows).first(2), kDrawingFurther}, ""};
 
 DrawingS drawing()
 {
@@ -151,7 +151,7 @@ TEST(Schema, EndsATextWithoutTerminatorWithItsArray)
 
 TEST(Schema, NamesElementsOfAnOuterListWithZeroAsTheSecondIndex)
 {
-    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kLineFurther}};
+    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kLineFurther}, ""};
     LineS structure = {7, 2, {{1, 2}, {3, 4}, {}}};
 
     EXPECT_EQ(named(shape, &structure), "kind_=7 points=2 x_0_0=1 y_0_0=2 x_1_0=3 y_1_0=4 ");
@@ -159,7 +159,7 @@ TEST(Schema, NamesElementsOfAnOuterListWithZeroAsTheSecondIndex)
 
 TEST(Schema, ChoosesByTheSelector)
 {
-    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kChoiceFurther}};
+    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kChoiceFurther}, ""};
     LineS structure = {7, 0, {{1, 2}, {}, {}}};
     EXPECT_EQ(named(shape, &structure), "kind_=7 points=0 x__=1 y__=2 ");
     structure.kind = 65535;
@@ -320,7 +320,7 @@ TEST(Walk, TellsNothingMoreOnceItsVisitorIsOver)
 
 TEST(Walk, TellsNothingMoreOfAChoiceOnceItsVisitorIsOver)
 {
-    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kChoiceFurther}};
+    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kChoiceFurther}, ""};
     LineS structure = {7, 0, {{1, 2}, {}, {}}};
 
     expectFirstEvents(shape, &structure, {"kind_", "points", "point", "x__", "y__", ")choice"});
@@ -328,7 +328,7 @@ TEST(Walk, TellsNothingMoreOfAChoiceOnceItsVisitorIsOver)
 
 TEST(Walk, TellsAChoiceOfNone)
 {
-    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kChoiceFurther}};
+    constexpr Shape shape = {"Line", "LineS", sizeof(LineS), {kLineRows, kChoiceFurther}, ""};
     LineS structure = {8, 0, {{1, 2}, {}, {}}};
 
     expectFirstEvents(shape, &structure, {"kind_", "points", "none", ")choice"});
