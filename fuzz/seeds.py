@@ -76,6 +76,14 @@ for which, file in enumerate(sorted(golden.glob("*.golden"), key=lambda file: fi
             add("rows", row)
             add("records", b"\0\7", row)
 
+starred = [
+    b"00000000: 3233 3433 3031 3434 3a31 3a32 3a0a 2020  23430144:1:2:.  \n*\n00000040: 3a  :\n",
+    b"00000000  32 33 34 33 30 31 34 34  3a 31 3a 32 3a 0a 20 20  |23430144:1:2:.  |\n*\n00000040\n",
+    b"0000000 3332 3334 3130 3434 313a 323a 0a3a 2020\n*\n0000040\n",
+]
+for content in starred:
+    add("records", b"\0\7", content)
+    add("verdicts", b"\0", content)
 for packing in range(10):
     add("records", number(packing, 1), b"\0", b"23430145:1:2:3:\n")
     add("verdicts", number(packing, 1), b"23430145:1:2:3:\n")

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -262,9 +263,9 @@ TEST(Dump, TakesAStarWithoutAnEndForTrouble)
     EXPECT_EQ(undumped("0000000 61 62\n*\n0000008\n"), "abababab");
 }
 
-TEST(Dump, ReadsHugeRepetitionsPieceByPiece)
+TEST(Dump, ReadsLongRepetitionsPieceByPiece)
 {
-    TextStream text("00000000: 6162  ab\n*\nfffffffffffffff0: 63  c\n", 1000);
+    TextStream text("00000000: 6162  ab\n*\n01000002: 63  c\n", 1000);
     const auto stream = openDump(text, "dump.txt");
     std::vector<char> buffer(1001);
     EXPECT_EQ(stream->read(buffer.data(), buffer.size()), 2U);
@@ -272,6 +273,22 @@ TEST(Dump, ReadsHugeRepetitionsPieceByPiece)
     EXPECT_EQ(std::string(buffer.data(), 4), "abab");
     EXPECT_EQ(stream->read(buffer.data(), buffer.size()), 1001U);
     EXPECT_EQ(std::string(buffer.data(), 4), "baba");
+}
+
+// A few bytes would otherwise keep the command busy for years.
+TEST(Dump, RepeatsNoMoreThanSixteenMebibytes)
+{
+    const std::string refused =
+        "'*' stands for more than 16 MiB; a dump that repeats no line (hexdump -v, od -v) is "
+        "read whatever its length]";
+    EXPECT_EQ(undumped("00000000: 6161  aa\n*\n01000004: 62  b\n"), "aa[dump.txt:3: " + refused);
+    EXPECT_EQ(undumped("00000000: 6162  ab\n*\nfffffffffffffffe: 63  c\n"), "ab[dump.txt:3: " + refused);
+    // In the whole dump.
+    const std::string most =
+        undumped("00000000: 6161  aa\n*\n01000000: 6161  aa\n*\n01000004: 6161  aa\n*\n01000008: 62  b\n", 1 << 20,
+                 1 << 20);
+    EXPECT_EQ(most.size(), 0x1000006 + refused.size() + std::strlen("[dump.txt:7: "));
+    EXPECT_TRUE(most.ends_with("aa[dump.txt:7: " + refused));
 }
 
 TEST(Dump, EndsAWordThatWasFilledUp)

@@ -368,6 +368,7 @@ public:
 
 private:
     static constexpr std::size_t kLongestLine = std::size_t{1} << 16; // xxd -c 256 writes some 900 bytes
+    static constexpr std::uint64_t kMostRepeated = 1U << 24;          // a few bytes could stand for exabytes
 
     // Returns false at the end.
     bool advance()
@@ -468,6 +469,10 @@ private:
         else
         {
             m_end = endBy(line->offset, line->bytes.empty());
+            if (m_isStarred)
+            {
+                countRepeated();
+            }
             if (line->bytes.empty())
             {
                 m_isClosed = true;
@@ -531,6 +536,19 @@ private:
         return ends[0];
     }
 
+    void countRepeated()
+    {
+        const std::uint64_t repeated = m_end - m_bytes.size();
+        if (repeated > kMostRepeated - m_repeated)
+        {
+            m_end = m_bytes.size();
+            fail("'*' stands for more than 16 MiB; a dump that repeats no line (hexdump -v, od -v) is read "
+                 "whatever "
+                 "its length");
+        }
+        m_repeated += repeated;
+    }
+
     bool isEnd(std::uint64_t end, bool isLast) const
     {
         const std::size_t size = m_bytes.size();
@@ -559,6 +577,7 @@ private:
     std::uint64_t m_start = 0;     // its offset
     std::uint64_t m_delivered = 0; // of it and its repetitions
     std::uint64_t m_end = 0;       // how much of that is known to count
+    std::uint64_t m_repeated = 0;  // by all "*" until now
     bool m_isStarred = false;
     bool m_isClosed = false; // by an offset that nothing stands behind
     std::optional<std::string> m_next;

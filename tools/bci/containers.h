@@ -33,8 +33,9 @@ std::optional<std::string> decodeBase64(std::string_view digits);
 // front, as one alone means the same as hex.
 bool isDump(std::string_view beginning);
 
-// The bytes that a dump stands for, which has to outlive the stream returned. Lines that are none, and offsets
-// that do not follow from the lines before, end it with Trouble "name:line: ..." once all before has been read.
+// The bytes that a dump stands for, which has to outlive the stream returned. Lines that are none, offsets that do
+// not follow from the lines before, and "*" that stand for more than 16 MiB in all, end it with Trouble
+// "name:line: ..." once all before has been read.
 // The text beside the digits counts for nothing but its length.
 std::unique_ptr<ByteStream> openDump(ByteStream& dump, const std::string& inputName);
 
