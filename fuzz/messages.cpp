@@ -176,46 +176,6 @@ struct StrictSink
     bool isNoted = false;
 };
 
-// Where a form does not promise that the codec reads what its own writer writes. `structure` is what was written.
-bool isPromised(const Signal& signal, Form form, char* structure)
-{
-    const std::string_view name = signal.shape->className;
-    const std::vector<codec::Leaf> fields = leaves(*signal.shape, structure);
-    const auto isAny = [&fields](auto condition) { return std::any_of(fields.begin(), fields.end(), condition); };
-    if (form == Form::xml)
-    {
-        // The one's last element is closed by another's name, the other's twelfth entry is looked up by a wrong
-        // one; of two elements of a name, as two capabilities of one identity have them, the first is read twice;
-        // and a tag within a value is one like any other.
-        std::set<std::string_view> names;
-        return name != "BciLoadLmcAck" &&
-               !isAny(
-                   [&names](const codec::Leaf& leaf)
-                   {
-                       const bool hasCharacters = leaf.raw || leaf.field.kind == Kind::text;
-                       return leaf.name == "hwLogData_11" || !names.insert(leaf.name).second ||
-                              (hasCharacters &&
-                               std::memchr(leaf.base + leaf.field.offset, '<', leaf.field.size) != nullptr);
-                   });
-    }
-    if (form == Form::text)
-    {
-        // An empty list has a ':' that is not read; the least number is not read; a block ends at its first ':'.
-        return !isAny(
-            [](const codec::Leaf& leaf)
-            {
-                if (leaf.raw)
-                {
-                    return std::memchr(leaf.base + leaf.field.offset, ':', leaf.field.size) != nullptr;
-                }
-                const std::int64_t value = loadNumber(leaf.field, leaf.base);
-                return (leaf.name == "additionalDataLength" && value == 0) ||
-                       (leaf.field.kind == Kind::s32 && value == -0x80000000LL);
-            });
-    }
-    return true;
-}
-
 // What holds after every reading.
 void expectOnlyRead(const Guarded& buffer, const std::string& before, unsigned int length)
 {
@@ -334,6 +294,87 @@ bool read(BciMessageBase& message, Form form, char* buffer, unsigned int& length
                                   : message.deserializeFromXml(buffer, length);
 }
 
+bool isPromised(const Signal& signal, Form form, char* structure)
+{
+    const std::string_view name = signal.shape->className;
+    const std::vector<codec::Leaf> fields = leaves(*signal.shape, structure);
+    const auto isAny = [&fields](auto condition) { return std::any_of(fields.begin(), fields.end(), condition); };
+    if (form == Form::xml)
+    {
+        // The one's last element is closed by another's name, the other's twelfth entry is looked up by a wrong
+        // one; of two elements of a name, as two capabilities of one identity have them, the first is read twice;
+        // and a tag within a value is one like any other.
+        std::set<std::string_view> names;
+        return name != "BciLoadLmcAck" &&
+               !isAny(
+                   [&names](const codec::Leaf& leaf)
+                   {
+                       const bool hasCharacters = leaf.raw || leaf.field.kind == Kind::text;
+                       return leaf.name == "hwLogData_11" || !names.insert(leaf.name).second ||
+                              (hasCharacters &&
+                               std::memchr(leaf.base + leaf.field.offset, '<', leaf.field.size) != nullptr);
+                   });
+    }
+    if (form == Form::text)
+    {
+        // An empty list has a ':' that is not read; the least number is not read; a text or block ends at its
+        // first
+        // ':'.
+        return !isAny(
+            [](const codec::Leaf& leaf)
+            {
+                if (leaf.raw || leaf.field.kind == Kind::text)
+                {
+                    return std::memchr(leaf.base + leaf.field.offset, ':', leaf.field.size) != nullptr;
+                }
+                const std::int64_t value = loadNumber(leaf.field, leaf.base);
+                return (leaf.name == "additionalDataLength" && value == 0) ||
+                       (leaf.field.kind == Kind::s32 && value == -0x80000000LL);
+            });
+    }
+    return true;
+}
+
+void expectSameFields(const Signal& signal, Form form, char* structure, const BciMessageBase& message)
+{
+    const std::vector<codec::Leaf> wanted = leaves(*signal.shape, structure);
+    const std::vector<codec::Leaf> found = leaves(*signal.shape, message.getMsg());
+    expect(wanted.size() == found.size(), "has another number of fields");
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+    {
+        const codec::Field& field = wanted[i].field;
+        const char* const one = wanted[i].base + field.offset;
+        const char* const two = found[i].base + field.offset;
+        bool isSame = false;
+        if (form == Form::xml && field.oddity == codec::Oddity::notReadFromXml)
+        {
+            isSame = true;
+        }
+        else if (wanted[i].raw)
+        {
+            isSame = std::memcmp(one, two, field.size) == 0;
+        }
+        else if (field.kind == Kind::text)
+        {
+            isSame = std::string_view(one, strnlen(one, field.size)) ==
+                     std::string_view(two, strnlen(two, found[i].field.size));
+        }
+        else
+        {
+            std::int64_t value = loadNumber(field, wanted[i].base);
+            if (form == Form::xml)
+            {
+                value = std::min<std::int64_t>(value, 0x7FFFFFFF);
+            }
+            isSame = value == loadNumber(field, found[i].base);
+        }
+        if (!isSame)
+        {
+            fail(wanted[i].name + " is not what it should be");
+        }
+    }
+}
+
 bool compareWithStrictReading(const Signal& signal, Form form, std::string_view rendering, bool result,
                               unsigned int consumed, const BciMessageBase& message)
 {
@@ -352,42 +393,7 @@ bool compareWithStrictReading(const Signal& signal, Form form, std::string_view 
     expect(form == Form::xml ? consumed == 0
                              : consumed + isOther >= reading.end && consumed <= reading.end + isOther,
            "has not consumed as much as a strict reading");
-    const std::vector<codec::Leaf> strict = leaves(*signal.shape, sink.room.data());
-    const std::vector<codec::Leaf> lenient = leaves(*signal.shape, message.getMsg());
-    expect(strict.size() == lenient.size(), "has not as many fields as a strict reading");
-    for (std::size_t i = 0; i < strict.size(); ++i)
-    {
-        const codec::Field& field = strict[i].field;
-        const char* const one = strict[i].base + field.offset;
-        const char* const two = lenient[i].base + field.offset;
-        bool isSame = false;
-        if (form == Form::xml && field.oddity == codec::Oddity::notReadFromXml)
-        {
-            isSame = true;
-        }
-        else if (strict[i].raw)
-        {
-            isSame = std::memcmp(one, two, field.size) == 0;
-        }
-        else if (field.kind == Kind::text)
-        {
-            isSame = std::string_view(one, strnlen(one, field.size)) ==
-                     std::string_view(two, strnlen(two, lenient[i].field.size));
-        }
-        else
-        {
-            std::int64_t value = loadNumber(field, strict[i].base);
-            if (form == Form::xml)
-            {
-                value = std::min<std::int64_t>(value, 0x7FFFFFFF);
-            }
-            isSame = value == loadNumber(field, lenient[i].base);
-        }
-        if (!isSame)
-        {
-            fail(strict[i].name + " is read otherwise than by a strict reading");
-        }
-    }
+    expectSameFields(signal, form, sink.room.data(), message);
     if (sink.isNoted)
     {
         return true;

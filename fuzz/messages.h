@@ -43,6 +43,13 @@ inline std::string_view endOf(Form form)
     return form == Form::xml ? std::string_view("\0", 1) : std::string_view();
 }
 
+// Whether a form promises that the codec reads what its own writer writes of a structure.
+bool isPromised(const Signal& signal, Form form, char* structure);
+
+// That a message has read the fields of a structure, as far as a form carries them: numbers in XML up to the
+// largest of a signed number, texts up to their terminator.
+void expectSameFields(const Signal& signal, Form form, char* structure, const BciMessageBase& message);
+
 // Holds what a message has read of a rendering (in the host's byte order; XML with a zero behind it) against a
 // strict reading: without damage, the values and what was consumed are the same; without any finding, the codec
 // writes the same bytes for them. Returns whether there is no damage, and the form promises to bring back such

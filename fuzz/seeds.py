@@ -76,6 +76,16 @@ for which, file in enumerate(sorted(golden.glob("*.golden"), key=lambda file: fi
             add("rows", row)
             add("records", b"\0\7", row)
 
+# Beyond what the readers look at at once: 8 KB and 512 tags of XML, 64 KB of an input.
+small = b"<sigNo>23430145</sigNo>\n\t<clientRef>1</clientRef>\n\t<serverRef>2</serverRef>\n\t<mainState>3</mainState>\n"
+names = sorted(file.stem for file in golden.glob("*.golden"))
+for content in (b"<other></other>" * 600 + small, small.replace(b"\n", b"\n" + 8180 * b" ", 2)):
+    add("instantiateXml", content)
+    add("deserializeXml", number(names.index("BciAuditCfm"), 1), b"\0", content)
+for content in (b"23430145:1:2:3:\n" + 65530 * b" " + b"\n23430145:4:5:6:\n", b"?" * 65536 + b"\n23430145:1:2:3:\n"):
+    add("records", b"\0\7", content)
+    add("verdicts", b"\0", content)
+
 starred = [
     b"00000000: 3233 3433 3031 3434 3a31 3a32 3a0a 2020  23430144:1:2:.  \n*\n00000040: 3a  :\n",
     b"00000000  32 33 34 33 30 31 34 34  3a 31 3a 32 3a 0a 20 20  |23430144:1:2:.  |\n*\n00000040\n",
