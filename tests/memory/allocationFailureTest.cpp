@@ -258,6 +258,17 @@ TEST(OwnMessage, LetsTheExceptionOutWithoutMemoryForIt)
 // with them it leaves the library.
 #if defined(__powerpc__) || defined(__arm__)
 
+TEST(ArraySubscripts, EndTheProgramWithoutMemoryForTheName)
+{
+    EXPECT_EXIT(
+        {
+            std::string name = "abcdefghijk__";
+            failAllocation(1);
+            insertArraySubscripts(name, 1, 0, "12", "34");
+        },
+        testing::KilledBySignal(SIGABRT), "");
+}
+
 TEST_F(Registry, EndsTheProgramWithoutMemoryForANode)
 {
     EXPECT_EXIT(
@@ -269,6 +280,27 @@ TEST_F(Registry, EndsTheProgramWithoutMemoryForANode)
 }
 
 #else
+
+// The name keeps what was inserted before.
+TEST(ArraySubscripts, LetTheExceptionOutWithoutMemoryForTheName)
+{
+    const unsigned long held = blocksHeld();
+    {
+        std::string name = "abcdefghijk__"; // with one subscript it still fits into what a string holds by itself
+        {
+            const Shortage shortage(1);
+            EXPECT_THROW(insertArraySubscripts(name, 1, 0, "12", "34"), std::bad_alloc);
+        }
+        EXPECT_EQ(name, "abcdefghijk_12_");
+        name = "abcdefghijklm__";
+        {
+            const Shortage shortage(1);
+            EXPECT_THROW(insertArraySubscripts(name, 1, 0, "12", "34"), std::bad_alloc);
+        }
+        EXPECT_EQ(name, "abcdefghijklm__");
+    }
+    EXPECT_EQ(blocksHeld(), held);
+}
 
 TEST_F(Registry, LetsTheExceptionOutWithoutMemoryForANode)
 {
