@@ -3,9 +3,11 @@
 #include "bciMsgRegistration.h"
 #include "codec/schema.h"
 #include "reading.h"
+#include "vornBcBasic.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -478,6 +480,26 @@ void expectTheSameThroughStream(const Signal& signal, Form form, std::uint8_t pr
            "something else is read from a stream");
 }
 
+// XML is read from the beginning of a stream's buffer to the zero, wherever the stream stands and whatever it
+// says.
+void expectTheSameThroughXmlStream(const Signal& signal, std::uint8_t prefill, const Guarded& document,
+                                   bool result, const BciMessageBase& expected)
+{
+    const std::unique_ptr<BciMessageBase> message(makeFilled(signal.number));
+    fill(signal, *message, prefill);
+    const unsigned int length = prefill % document.size();
+    const unsigned int position = length / 2;
+    commonStream::istream_text stream;
+    stream.attachBuffer(document.data(), length);
+    stream.seekg(position);
+    stream.status(prefill % 8);
+    const auto status = stream.status();
+    expect(message->deserializeBciMsgFromXml(stream) == result, "another result from a stream");
+    expect(stream.tellg() == position && stream.status() == status, "reading XML has changed the stream");
+    expect(std::memcmp(message->getMsg(), expected.getMsg(), signal.shape->structureSize) == 0,
+           "something else is read from a stream");
+}
+
 // Where the data ends early, what it does not reach is as it was; but the number that it ends in may be 0, a text
 // ends there, and two messages are cleared before.
 void expectTheRestAsItWas(const Signal& signal, Form form, std::uint8_t prefill, std::string_view bytes,
@@ -486,6 +508,10 @@ void expectTheRestAsItWas(const Signal& signal, Form form, std::uint8_t prefill,
     const std::string_view name = signal.shape->className;
     const bool isCleared = form != Form::xml && (name == "BciCapabilityCfmMsg" || name == "BciGetHwPidCfmMsg");
     const bool mayBeZero = form == Form::text || isCleared;
+    // The log, which is filled up, is the end of the structure.
+    const unsigned int end = form == Form::text && name == "BciHwLogSetReqMsg"
+                                 ? offsetof(VornBcHwLogSetReqS, hwLogData)
+                                 : signal.shape->structureSize;
     const std::unique_ptr<BciMessageBase> before(makeFilled(signal.number));
     fill(signal, *before, prefill);
     const std::unique_ptr<BciMessageBase> message(makeFilled(signal.number));
@@ -496,7 +522,7 @@ void expectTheRestAsItWas(const Signal& signal, Form form, std::uint8_t prefill,
         const Guarded buffer(bytes.substr(0, left), endOf(form));
         unsigned int length = buffer.size();
         read(*message, form, buffer.data(), length);
-        for (unsigned int i = 0; i < signal.shape->structureSize; ++i)
+        for (unsigned int i = 0; i < end; ++i)
         {
             const char byte = message->getMsg()[i];
             expect(byte == before->getMsg()[i] || byte == whole.getMsg()[i] || (byte == '\0' && mayBeZero),
@@ -527,12 +553,12 @@ void deserialize(Input input, Form form, Trace& trace)
     expectOnlyRead(buffer, before, length);
     const std::string_view bytes(buffer.data(), buffer.size());
     compareWithStrictReading(signal, form, form == Form::xml ? bytes.data() : bytes, result, length, *message);
-    // That one fills up its log.
-    if (form != Form::text || std::string_view(signal.shape->className) != "BciHwLogSetReqMsg")
+    expectTheRestAsItWas(signal, form, prefill, bytes.substr(0, input.rest().size()), *message);
+    if (form == Form::xml)
     {
-        expectTheRestAsItWas(signal, form, prefill, bytes.substr(0, input.rest().size()), *message);
+        expectTheSameThroughXmlStream(signal, prefill, buffer, result, *message);
     }
-    if (form != Form::xml)
+    else
     {
         expectTheSameThroughStream(signal, form, prefill, input.rest(), result, length, *message);
     }
