@@ -14,7 +14,9 @@ def add(harness, *parts):
     content = b"".join(parts)
     directory = seeds / harness
     directory.mkdir(parents=True, exist_ok=True)
-    (directory / hashlib.sha1(content).hexdigest()[:16]).write_bytes(content)
+    file = directory / hashlib.sha1(content).hexdigest()[:16]
+    if not file.exists():
+        file.write_bytes(content)
 
 
 def renderings(file):
