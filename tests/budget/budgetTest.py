@@ -8,6 +8,7 @@ import tempfile
 import unittest
 
 import budgetTable
+import growth
 import instructions
 import size
 
@@ -157,6 +158,31 @@ class Instructions(unittest.TestCase):
     def testOfTheTableAreOfEveryClass(self):
         table = budgetTable.read(os.path.join(budgetTable.HERE, "instructions.txt"))
         self.assertEqual(table.keys(), instructions.completeNames(os.path.join(budgetTable.ROOT, "h")))
+
+
+class Growth(unittest.TestCase):
+    def wrong(self, promise, *counts, passes=(0, 0)):
+        cases = growth.readCases({f"a;{promise};{size}": count for size, count in zip((10, 80, 640), counts)})
+        for tag, count in zip(("pass", "none"), passes):
+            cases[f"a, pass {tag}"] = ("linear", [10, 80, 640], [count, count, count])
+        return said(growth.judge, cases)[0]
+
+    def testIsThatOfTheSize(self):
+        self.assertEqual(self.wrong("linear", 101000, 180000, 820000), [])
+        self.assertEqual(len(self.wrong("linear", 101000, 180000, 910000)), 1)
+        self.assertEqual(len(self.wrong("linear", 101000, 180000, 5220000)), 1)
+
+    def testIsThatOfTheSquareWhereItMayBe(self):
+        self.assertEqual(self.wrong("document x tag", 101000, 180000, 5220000), [])
+        self.assertEqual(len(self.wrong("document x tag", 101000, 180000, 6000000)), 1)
+
+    def testIsNoneWhereNothingIsToBeRead(self):
+        self.assertEqual(self.wrong("constant", 5000, 5000, 7000), [])
+        self.assertEqual(len(self.wrong("constant", 5000, 5000, 7001)), 1)
+
+    def testStaysWithinThePasses(self):
+        self.assertEqual(self.wrong("passes: 9", 101000, 180000, 820000, passes=(100000, 50000)), [])
+        self.assertEqual(len(self.wrong("passes: 8", 101000, 180000, 820000, passes=(100000, 50000))), 1)
 
 
 class Size(unittest.TestCase):

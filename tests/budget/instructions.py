@@ -33,14 +33,13 @@ HEADER = """\
 """
 
 
-def profile(program):
-    """What callgrind writes about the program, a part for each call."""
+def profile(command, options):
+    """What callgrind writes about a program and its arguments, a part for each call."""
     with tempfile.TemporaryDirectory() as directory:
         output = os.path.join(directory, "callgrind.out")
-        command = ["valgrind", "--quiet", "--tool=callgrind", "--combine-dumps=yes",
+        valgrind = ["valgrind", "--quiet", "--tool=callgrind", "--combine-dumps=yes",
                    f"--callgrind-out-file={output}"]
-        command += [f"--toggle-collect={entryPoint}" for entryPoint in ENTRY_POINTS]
-        subprocess.run(command + [program], env=ENVIRONMENT, check=True)
+        subprocess.run([*valgrind, *options, *command], env=ENVIRONMENT, check=True)
         with open(output, encoding="utf-8") as lines:
             return lines.read()
 
@@ -96,7 +95,7 @@ def complaint(text):
 
 def main():
     arguments = budgetTable.arguments(__doc__, "instructions.txt")
-    text = profile(arguments.file)
+    text = profile([arguments.file], [f"--toggle-collect={entryPoint}" for entryPoint in ENTRY_POINTS])
     if complaint(text):
         print(complaint(text))
         return 1
