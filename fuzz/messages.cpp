@@ -320,8 +320,7 @@ bool isPromised(const Signal& signal, Form form, char* structure)
     if (form == Form::text)
     {
         // An empty list has a ':' that is not read; the least number is not read; a text or block ends at its
-        // first
-        // ':'.
+        // first ':'.
         return !isAny(
             [](const codec::Leaf& leaf)
             {
@@ -480,8 +479,7 @@ void expectTheSameThroughStream(const Signal& signal, Form form, std::uint8_t pr
            "something else is read from a stream");
 }
 
-// XML is read from the beginning of a stream's buffer to the zero, wherever the stream stands and whatever it
-// says.
+// XML is read from the beginning of a stream's buffer to the zero, wherever and however the stream stands.
 void expectTheSameThroughXmlStream(const Signal& signal, std::uint8_t prefill, const Guarded& document,
                                    bool result, const BciMessageBase& expected)
 {
